@@ -1,0 +1,11 @@
+# Writes INPUT as adjacent raw string literals: the language guarantees only 65,536 characters for one.
+file(READ ${INPUT} text)
+set(pieces "")
+string(LENGTH "${text}" length)
+set(position 0)
+while(position LESS length)
+  string(SUBSTRING "${text}" ${position} 8000 piece)
+  string(APPEND pieces "R\"embed(${piece})embed\"\n")
+  math(EXPR position "${position} + 8000")
+endwhile()
+file(WRITE ${OUTPUT} "#include <string_view>\nnamespace excelexp {\nextern const std::string_view ${NAME};\nconst std::string_view ${NAME} =\n${pieces};\n}\n")

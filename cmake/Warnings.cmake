@@ -1,0 +1,10 @@
+# Warnings are errors in every preset. The optimiser's guesses about code it inlined from the standard
+# library (GCC 12) stay warnings: they name lines nobody here wrote.
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor
+                    -Woverloaded-virtual -Wold-style-cast -Wimplicit-fallthrough -Werror
+                    -Wno-error=restrict -Wno-error=maybe-uninitialized -Wno-error=stringop-overflow
+                    -Wno-error=array-bounds)
+if(EXCELEXP_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

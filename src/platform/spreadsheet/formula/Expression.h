@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/spreadsheet/Workbook.h"
+
+namespace excelexp::formula {
+
+/// A formula that does not parse. `position` counts characters of the formula text from 1.
+class ParseError : public std::runtime_error {
+ public:
+  ParseError(const std::string& message, int position) : std::runtime_error(message), position_(position) {}
+  int Position() const { return position_; }
+
+ private:
+  int position_;
+};
+
+enum class NodeType : std::uint8_t {
+  kNumber,
+  kText,
+  kBoolean,
+  kError,
+  kMissing,  ///< an argument left out, as the second of IF(A1,,2)
+  kReference,
+  kName,  ///< a name that is neither a reference nor a function: shows #NAME?
+  kUnary,
+  kBinary,
+  kCall,
+  kParentheses,
+};
+
+enum class Operator : std::uint8_t {
+  kAdd,
+  kSubtract,
+  kMultiply,
+  kDivide,
+  kPower,
+  kConcatenate,
+  kEqual,
+  kNotEqual,
+  kLess,
+  kLessEqual,
+  kGreater,
+  kGreaterEqual,
+  kRange,         ///< A1:B2 with computed ends
+  kUnion,         ///< (A1,B2)
+  kIntersection,  ///< A1 B2
+  kPlus,
+  kMinus,
+  kPercent,  ///< unary
+};
+
+/// A cell or a block, possibly of another sheet. Rows and columns are 1-based.
+struct Reference {
+  std::string sheet;       ///< "" is the sheet the formula stands on
+  std::string last_sheet;  ///< for Sheet1:Sheet3!A1; else ""
+  CellRange range;
+  bool row_absolute[2] = {false, false};  ///< first, last
+  bool column_absolute[2] = {false, false};
+  bool single = true;  ///< A1 rather than A1:B2
+};
+
+struct Node {
+  NodeType type = NodeType::kMissing;
+  Operator op = Operator::kAdd;  ///< kUnary, kBinary
+  double number = 0.0;           ///< kNumber; 0 or 1 for kBoolean
+  ErrorCode error = ErrorCode::kNull;
+  std::string text;  ///< kText; kName and kCall: the name in capitals
+  Reference reference;
+  std::vector<std::unique_ptr<Node>> children;
+};
+
+/// A parsed formula. Immutable.
+class Expression {
+ public:
+  explicit Expression(std::unique_ptr<Node> root) : root_(std::move(root)) {}
+  const Node& Root() const { return *root_; }
+
+ private:
+  std::unique_ptr<Node> root_;
+};
+
+/// Parses a formula in A1 notation with commas between arguments; a leading "=" is optional. Throws
+/// ParseError.
+std::shared_ptr<const Expression> Parse(std::string_view text);
+
+/// Writes the expression as text without the leading "=".
+std::string Print(const Expression& expression);
+
+/// A copy whose relative references are moved by that many rows and columns; a reference that would leave the
+/// sheet becomes #REF!.
+std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, int columns);
+
+}  // namespace excelexp::formula
