@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,7 +53,7 @@ std::string_view ErrorText(ErrorCode code);
 
 enum class CellType : std::uint8_t { kEmpty, kNumber, kText, kFormula };
 
-/// One cell: a value and a format. An empty cell with a format is a formatted blank.
+/// One cell in 16 bytes: a value and a format. An empty cell with a format is a formatted blank.
 struct Cell {
   CellType type = CellType::kEmpty;
   FormatId format = 0;
@@ -84,6 +85,9 @@ struct Formula {
   FormulaResult result;
 };
 
+/// Whether two sheet names are the same without regard to case, by Unicode's simple case mappings.
+bool SameSheetName(std::string_view a, std::string_view b);
+
 /// One worksheet. Rows and columns are 1-based.
 class Sheet {
  public:
@@ -92,7 +96,15 @@ class Sheet {
   const std::string& Name() const { return name_; }
 
   /// The cell for writing; the sheet grows as needed. Row and column must lie within kMaxRows x kMaxColumns.
-  Cell& At(int row, int column);
+  /// The reference is good until the sheet grows again.
+  Cell& At(int row, int column) {
+    const auto row_index = static_cast<std::size_t>(row - 1);
+    const auto column_index = static_cast<std::size_t>(column - 1);
+    if (row_index >= rows_.size() || column_index >= rows_[row_index].size()) {
+      GrowRow(row_index, column_index + 1);
+    }
+    return rows_[row_index][column_index];
+  }
   /// nullptr where nothing was written or formatted.
   const Cell* Find(int row, int column) const;
 
@@ -102,21 +114,49 @@ class Sheet {
   const std::vector<Cell>& Row(int row) const { return rows_[static_cast<std::size_t>(row - 1)]; }
 
   const std::vector<CellRange>& Merges() const { return merges_; }
-  /// Width in characters of the default font; 0 where none was set.
-  double ColumnWidth(int column) const;
-  /// Height in points; 0 where none was set.
-  double RowHeight(int row) const;
+  /// Keeps overlapping merges as well: whoever adds asks FirstOverlap before.
+  void AddMerge(const CellRange& range);
+  /// The first merge that shares a cell with the range, among those numbered below `before`.
+  std::optional<std::size_t> FirstOverlap(const CellRange& range, std::size_t before = SIZE_MAX) const;
 
-  void SetColumnWidth(int column, double characters);
-  void SetRowHeight(int row, double points);
-  void AddMerge(const CellRange& range) { merges_.push_back(range); }
+  /// Width in characters of the default font; 0 where none was set, and for a hidden column.
+  double ColumnWidth(int column) const { return column_widths_.Size(column); }
+  /// Height in points; 0 where none was set, and for a hidden row.
+  double RowHeight(int row) const { return row_heights_.Size(row); }
+  /// Setting a width or height of 0 hides the column or row, as in the application.
+  bool ColumnHidden(int column) const { return column_widths_.Hidden(column); }
+  bool RowHidden(int row) const { return row_heights_.Hidden(row); }
+  /// The last column or row that a size was set for; it may lie beyond the last cell.
+  int LastSizedColumn() const { return column_widths_.Last(); }
+  int LastSizedRow() const { return row_heights_.Last(); }
+
+  void SetColumnWidth(int column, double characters) { column_widths_.Set(column, characters); }
+  void SetRowHeight(int row, double points) { row_heights_.Set(row, points); }
 
  private:
+  /// Sizes by column or row number; a negative entry was never set.
+  class Sizes {
+   public:
+    int Last() const { return static_cast<int>(sizes_.size()); }
+    double Size(int number) const { return IsSet(number) ? sizes_[Index(number)] : 0.0; }
+    bool Hidden(int number) const { return IsSet(number) && sizes_[Index(number)] == 0.0; }
+    void Set(int number, double size);
+
+   private:
+    static std::size_t Index(int number) { return static_cast<std::size_t>(number - 1); }
+    bool IsSet(int number) const { return number >= 1 && number <= Last() && sizes_[Index(number)] >= 0.0; }
+
+    std::vector<double> sizes_;
+  };
+
+  void GrowRow(std::size_t row_index, std::size_t columns);
+
   std::string name_;
   std::vector<std::vector<Cell>> rows_;
   std::vector<CellRange> merges_;
-  std::vector<double> column_widths_;
-  std::vector<double> row_heights_;
+  std::vector<std::vector<std::uint32_t>> merges_by_row_;  ///< indices of merges_ that touch a row
+  Sizes column_widths_;
+  Sizes row_heights_;
   int last_column_ = 0;
 };
 
@@ -156,6 +196,7 @@ class Workbook {
   struct Pools;
   std::unique_ptr<Pools> pools_;
   std::vector<std::unique_ptr<Sheet>> sheets_;
+  mutable std::size_t last_found_ = 0;  ///< where FindSheet looks first
 };
 
 }  // namespace excelexp

@@ -1,0 +1,25 @@
+#include "platform/spreadsheet/Palette.h"
+
+#include <array>
+
+namespace excelexp {
+namespace {
+
+// The default palette of the .xls format: [MS-XLS] section 2.5.161 (Icv), colours 0x08 to 0x3F in order.
+constexpr std::array<std::uint32_t, kPaletteColours> kDefaultColours = {
+    0x000000, 0xFFFFFF, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFF00, 0xFF00FF, 0x00FFFF,  // 1-8: basic
+    0x800000, 0x008000, 0x000080, 0x808000, 0x800080, 0x008080, 0xC0C0C0, 0x808080,  // 9-16: dark, greys
+    0x9999FF, 0x993366, 0xFFFFCC, 0xCCFFFF, 0x660066, 0xFF8080, 0x0066CC, 0xCCCCFF,  // 17-24: chart fills
+    0x000080, 0xFF00FF, 0xFFFF00, 0x00FFFF, 0x800080, 0x800000, 0x008080, 0x0000FF,  // 25-32: chart lines
+    0x00CCFF, 0xCCFFFF, 0xCCFFCC, 0xFFFF99, 0x99CCFF, 0xFF99CC, 0xCC99FF, 0xFFCC99,  // 33-40
+    0x3366FF, 0x33CCCC, 0x99CC00, 0xFFCC00, 0xFF9900, 0xFF6600, 0x666699, 0x969696,  // 41-48
+    0x003366, 0x339966, 0x003300, 0x333300, 0x993300, 0x993366, 0x333399, 0x333333,  // 49-56
+};
+
+}  // namespace
+
+std::uint32_t PaletteColour(int index) {
+  return kDefaultColours[static_cast<std::size_t>(index - 1)];
+}
+
+}  // namespace excelexp
