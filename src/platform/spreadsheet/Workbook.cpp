@@ -32,11 +32,12 @@ struct FormatHash {
   }
 };
 
-/// Takes one character from the front; a byte that begins no valid character stands for itself.
+/// Takes one character from the front; a byte that begins no valid character is one beyond all characters.
 gunichar TakeCharacter(std::string_view& text) {
+  constexpr gunichar kBeyond = 0x110000;
   const gunichar character = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
-  const bool valid = character < 0x110000;
-  const gunichar taken = valid ? character : static_cast<unsigned char>(text.front());
+  const bool valid = character < kBeyond;
+  const gunichar taken = valid ? character : kBeyond + static_cast<unsigned char>(text.front());
   text.remove_prefix(valid ? static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr)) : 1);
   return taken;
 }
