@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/database/SqliteWriter.h"
+#include "platform/host/HostServices.h"
+
+namespace excelexp {
+
+/// A host without a user: the output file is given in advance, information boxes are passed over, and the
+/// analysis engine works on the tables of one SQLite file.
+class BatchHost : public HostServices {
+ public:
+  /// Opens `database_file` for the analysis records; throws DatabaseError when that fails.
+  /// An empty `output_file` takes the name that the definition proposes, into the current folder, without its
+  /// folders.
+  BatchHost(const std::string& database_file, std::string output_file);
+
+  std::optional<std::string> AskSaveFile(const std::string& proposed) override;
+  void ShowInformation(const std::string& text) override;
+  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
+                                                        const std::string& database_name,
+                                                        bool interactive) override;
+
+ protected:
+  const std::shared_ptr<SqliteWriter>& Writer() const { return writer_; }
+
+ private:
+  std::shared_ptr<SqliteWriter> writer_;
+  std::string output_file_;
+};
+
+/// The last component of a proposed name, safe to use inside a chosen folder: what stands before a path
+/// separator (of any system) and control characters do not survive; a name that begins with a dot gets
+/// "Report" in front of it.
+std::string SafeFileName(const std::string& proposed);
+
+}  // namespace excelexp
