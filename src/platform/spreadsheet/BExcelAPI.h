@@ -39,20 +39,23 @@ class BExcelAPI {
   BExcelAPI(const BExcelAPI&) = delete;
   BExcelAPI& operator=(const BExcelAPI&) = delete;
 
-  /// Starts the application. `visible` has no meaning without a window; the engine passes false.
+  /// Starts the application: nothing to start here, and an empty handle. `visible` has no meaning without a
+  /// window; the engine passes false.
   virtual Handle OpenExcelOLE(bool visible);
-  /// A new workbook with `blank_sheets` blank sheets (the engine passes 1). A blank sheet is saved only when
-  /// no other sheet was created.
+  /// A new workbook with `blank_sheets` blank sheets (the engine passes 1), "Sheet1" and so on. A blank sheet
+  /// is saved only when no other sheet was created or something was written on it.
   virtual Handle CreateWorkbook(int blank_sheets);
-  /// Adds a worksheet after the ones that exist.
+  /// Adds a worksheet after the ones that exist. The name must meet the rules of CheckSheetName.
   virtual Handle CreateNewTable(const Handle& workbook, const std::string& name);
   /// Computes every formula, checks the workbook against the limits of the format that the extension names
-  /// and publishes the file. `ask` would make the application ask before it replaces a file; the engine
-  /// passes false.
+  /// and publishes the file. `ask` would make the application ask before it replaces a file; without a window
+  /// there is nobody to ask, and the engine passes false.
   virtual void SaveWorkbook(const Handle& workbook, const std::string& file_name, bool ask);
   /// Closes the application and lets go of every workbook; safe to call more than once.
   virtual void TerminateExcel();
 
+  /// Writes a value and keeps the cell's format. A text stays a text whatever it looks like; an empty text
+  /// leaves the cell empty. A value in a cell that a merge covers is an error, since nobody would see it.
   virtual void WriteTableCell(const Handle& workbook, const std::string& sheet, int row, int column,
                               const Variant& value);
   virtual void WriteTableCellText(const Handle& workbook, const std::string& sheet, int row, int column,
@@ -65,14 +68,16 @@ class BExcelAPI {
   virtual void NumberFormatOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,
                                    const std::string& format);
   /// Merges the range into one cell. `across` would merge each row on its own; `centre` centres the text.
-  /// The engine passes false, true. Overlapping an earlier merge is an error.
+  /// The engine passes false, true. One cell alone is centred and not merged. Overlapping an earlier merge is
+  /// an error, and so is hiding a value: only the first cell may hold one.
   virtual void MergeRangeCells(const Handle& workbook, const std::string& sheet, const std::string& range,
                                bool across, bool centre);
   virtual void SetWordWrap(const Handle& workbook, const std::string& sheet, const std::string& range,
                            bool wrap);
+  /// `points` 1 to 409.
   virtual void SetFontNameSize(const Handle& workbook, const std::string& sheet, const std::string& range,
                                const std::string& name, double points);
-  /// `colour` holds the palette index, 1 to 56.
+  /// `colour` holds the palette index, 1 to 56; 0 and the application's constant -4105 mean automatic.
   virtual void SetFontColour(const Handle& workbook, const std::string& sheet, const std::string& range,
                              const Variant& colour);
   /// `underline` would underline once; the engine passes false and sets underlines with SetFontUnderline, so
@@ -84,10 +89,10 @@ class BExcelAPI {
                                 int kind);
   virtual void SetFontEffects(const Handle& workbook, const std::string& sheet, const std::string& range,
                               bool strikethrough, bool superscript, bool subscript);
-  /// `width` in characters of the default font, 0 to 255.
+  /// `width` in characters of the default font, 0 to 255; 0 hides the range's columns.
   virtual void SetColumnWidth(const Handle& workbook, const std::string& sheet, const std::string& range,
                               const Variant& width);
-  /// `height` in points, 0 to 409.
+  /// `height` in points, 0 to 409; 0 hides the range's rows.
   virtual void SetRowHeight(const Handle& workbook, const std::string& sheet, const std::string& range,
                             const Variant& height);
 

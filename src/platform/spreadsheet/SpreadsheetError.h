@@ -2,6 +2,9 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
+
+#include "platform/spreadsheet/CellName.h"
 
 namespace excelexp {
 
@@ -10,5 +13,9 @@ class SpreadsheetError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// Throws `Sheet "Payroll", cell B7: what`.
+[[noreturn]] void FailAt(std::string_view sheet, int row, int column, std::string_view what);
+[[noreturn]] void FailAt(std::string_view sheet, const CellRange& range, std::string_view what);
 
 }  // namespace excelexp

@@ -8,41 +8,41 @@
 #include <deque>
 #include <functional>
 
+#include "platform/spreadsheet/FormatChange.h"
 #include "platform/spreadsheet/InternPool.h"
+#include "platform/spreadsheet/Utf8.h"
 
 namespace excelexp {
 namespace {
 
-struct TextHash {
-  std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-};
-
-struct FormatHash {
-  std::size_t operator()(const CellFormat& format) const {
-    const std::size_t flags = static_cast<std::size_t>(format.bold) | format.italic << 1 |
-                              format.strikethrough << 2 | format.superscript << 3 | format.subscript << 4 |
-                              format.word_wrap << 5 | format.centred << 6;
-    std::size_t hash = std::hash<std::string>{}(format.font_name);
-    for (const std::size_t part :
-         {std::hash<std::string>{}(format.number_format), std::hash<double>{}(format.font_size),
-          static_cast<std::size_t>(format.font_colour), static_cast<std::size_t>(format.underline), flags}) {
-      hash = std::rotl(hash, 11) * 0x9E3779B97F4A7C15U + part;
-    }
-    return hash ^ hash >> 29;
-  }
-};
-
-/// Takes one character from the front; a byte that begins no valid character is one beyond all characters.
-gunichar TakeCharacter(std::string_view& text) {
-  constexpr gunichar kBeyond = 0x110000;
-  const gunichar character = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
-  const bool valid = character < kBeyond;
-  const gunichar taken = valid ? character : kBeyond + static_cast<unsigned char>(text.front());
-  text.remove_prefix(valid ? static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr)) : 1);
-  return taken;
+gunichar Folded(char32_t character) {
+  return g_unichar_tolower(g_unichar_toupper(character));
 }
 
 }  // namespace
+
+std::size_t TextHash::operator()(std::string_view text) const {
+  return std::hash<std::string_view>{}(text);
+}
+
+std::size_t CellFormatHash::operator()(const CellFormat& format) const {
+  const std::size_t flags = static_cast<std::size_t>(format.bold) | format.italic << 1 |
+                            format.strikethrough << 2 | format.superscript << 3 | format.subscript << 4 |
+                            format.word_wrap << 5 | format.centred << 6;
+  std::size_t hash = TextHash{}(format.font_name);
+  for (const std::size_t part :
+       {TextHash{}(format.number_format), std::hash<double>{}(format.font_size),
+        static_cast<std::size_t>(format.font_colour), static_cast<std::size_t>(format.underline), flags}) {
+    hash = std::rotl(hash, 11) * 0x9E3779B97F4A7C15U + part;
+  }
+  return hash ^ hash >> 29;
+}
+
+bool IsUnderline(Underline kind) {
+  constexpr std::array kKinds = {Underline::kNone, Underline::kSingle, Underline::kDouble,
+                                 Underline::kSingleAccounting, Underline::kDoubleAccounting};
+  return std::find(kKinds.begin(), kKinds.end(), kind) != kKinds.end();
+}
 
 std::string_view ErrorText(ErrorCode code) {
   static constexpr std::array<std::string_view, 7> kTexts = {"#NULL!", "#DIV/0!", "#VALUE!", "#REF!",
@@ -53,11 +53,9 @@ std::string_view ErrorText(ErrorCode code) {
 bool SameSheetName(std::string_view a, std::string_view b) {
   if (a == b) return true;
   while (!a.empty() && !b.empty()) {
-    const gunichar left = TakeCharacter(a);
-    const gunichar right = TakeCharacter(b);
-    if (left != right &&
-        g_unichar_tolower(g_unichar_toupper(left)) != g_unichar_tolower(g_unichar_toupper(right)))
-      return false;
+    const char32_t left = DecodeUtf8(a);
+    const char32_t right = DecodeUtf8(b);
+    if (left != right && Folded(left) != Folded(right)) return false;
   }
   return a.empty() && b.empty();
 }
@@ -106,9 +104,20 @@ void Sheet::Sizes::Set(int number, double size) {
   sizes_[Index(number)] = size;
 }
 
+/// What a change made of a format, in the slot of its hash until another one takes the slot.
+struct Transition {
+  static constexpr std::size_t kSlots = 1024;  ///< 24 KB; a report uses some dozens
+
+  FormatChange change;
+  FormatId from = UINT32_MAX;
+  FormatId to = 0;
+};
+
 struct Workbook::Pools {
   InternPool<std::string, TextHash> texts;
-  InternPool<CellFormat, FormatHash> formats;
+  InternPool<std::string, TextHash> names;
+  std::array<Transition, Transition::kSlots> transitions;
+  InternPool<CellFormat, CellFormatHash> formats;
   std::deque<Formula> formulas;
 };
 
@@ -147,6 +156,23 @@ const CellFormat& Workbook::Format(FormatId id) const {
 }
 std::size_t Workbook::FormatCount() const {
   return pools_->formats.Size();
+}
+
+FormatId Workbook::ChangedFormat(FormatId from, const FormatChange& change) {
+  Transition& known = pools_->transitions[(change.Hash() + from * 31U) % Transition::kSlots];
+  if (known.from != from || known.change != change) {
+    CellFormat format = Format(from);
+    change.Apply(format, *this);
+    known = {change, from, InternFormat(format)};
+  }
+  return known.to;
+}
+
+std::uint32_t Workbook::InternName(std::string_view name) {
+  return pools_->names.Intern(name);
+}
+const std::string& Workbook::Name(std::uint32_t index) const {
+  return pools_->names[index];
 }
 
 std::uint32_t Workbook::AddFormula(Formula formula) {

@@ -12,6 +12,7 @@
 
 namespace excelexp {
 
+struct FormatChange;
 namespace formula {
 class Expression;
 }
@@ -24,6 +25,9 @@ enum class Underline : int {
   kSingleAccounting = 4,
   kDoubleAccounting = 5,
 };
+
+/// Whether the value is one of the application's constants.
+bool IsUnderline(Underline kind);
 
 /// Everything a cell can look like. Compared by value; a workbook keeps each distinct one once.
 struct CellFormat {
@@ -41,6 +45,13 @@ struct CellFormat {
   bool centred = false;
 
   friend bool operator==(const CellFormat&, const CellFormat&) = default;
+};
+
+struct TextHash {
+  std::size_t operator()(std::string_view text) const;
+};
+struct CellFormatHash {
+  std::size_t operator()(const CellFormat& format) const;
 };
 
 using FormatId = std::uint32_t;  ///< index into the workbook's formats; 0 is the default format
@@ -91,9 +102,12 @@ bool SameSheetName(std::string_view a, std::string_view b);
 /// One worksheet. Rows and columns are 1-based.
 class Sheet {
  public:
-  explicit Sheet(std::string name) : name_(std::move(name)) {}
+  /// `placeholder`: a blank sheet of a new workbook, which gives way to the first sheet that is added.
+  explicit Sheet(std::string name, bool placeholder = false)
+      : name_(std::move(name)), placeholder_(placeholder) {}
 
   const std::string& Name() const { return name_; }
+  bool IsUnusedPlaceholder() const { return placeholder_ && rows_.empty(); }
 
   /// The cell for writing; the sheet grows as needed. Row and column must lie within kMaxRows x kMaxColumns.
   /// The reference is good until the sheet grows again.
@@ -152,6 +166,7 @@ class Sheet {
   void GrowRow(std::size_t row_index, std::size_t columns);
 
   std::string name_;
+  bool placeholder_;
   std::vector<std::vector<Cell>> rows_;
   std::vector<CellRange> merges_;
   std::vector<std::vector<std::uint32_t>> merges_by_row_;  ///< indices of merges_ that touch a row
@@ -186,6 +201,12 @@ class Workbook {
   FormatId InternFormat(const CellFormat& format);
   const CellFormat& Format(FormatId id) const;
   std::size_t FormatCount() const;
+  /// The format that the change makes of a format. Remembered, so that the same change on the next cell is
+  /// one look-up.
+  FormatId ChangedFormat(FormatId from, const FormatChange& change);
+  /// Font names and number formats, numbered for FormatChange.
+  std::uint32_t InternName(std::string_view name);
+  const std::string& Name(std::uint32_t index) const;
 
   std::uint32_t AddFormula(Formula formula);
   Formula& FormulaAt(std::uint32_t index);
