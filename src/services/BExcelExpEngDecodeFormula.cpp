@@ -1,0 +1,153 @@
+#include "services/BExcelExpEngDecodeFormula.h"
+
+#include <functional>
+#include <optional>
+
+#include "engine/DefinitionTables.h"
+#include "platform/database/SqlText.h"
+#include "platform/host/CommonLibrary.h"
+#include "services/AllItems.h"
+
+namespace excelexp {
+namespace {
+
+constexpr std::string_view kWhere = "BExcelExpEngDecodeFormula::DecodeExcelFormula Error: ";
+constexpr std::size_t kItemTagLength = 5;
+constexpr std::size_t kTotalTagLength = 3;
+
+/// The number of the reference that begins at `start`, and where the text after it goes on; nothing when no
+/// complete reference begins there.
+struct Reference {
+  int number;
+  std::size_t end;
+};
+
+std::optional<Reference> ReferenceAt(const std::string& formula, std::size_t start, std::size_t tag_length) {
+  const std::size_t digits = start + 1 + tag_length;
+  const std::size_t end = formula.find_first_not_of("0123456789", digits);
+  if (digits >= formula.size() || end == digits || end == std::string::npos || formula[end] != '>')
+    return std::nullopt;
+  if (formula.find_first_of("<>", start + 1) != end) return std::nullopt;
+  return Reference{CStrToInt(formula.substr(digits, end - digits)), end + 1};
+}
+
+/// Copies the formula with every reference replaced; nothing when `name_of` fails for one.
+std::optional<std::string> ReplaceReferences(const std::string& formula, std::size_t tag_length,
+                                             const std::function<std::optional<std::string>(int)>& name_of) {
+  std::string result;
+  std::size_t position = 0;
+  for (std::size_t start = formula.find('<'); start != std::string::npos; start = formula.find('<', start)) {
+    const auto reference = ReferenceAt(formula, start, tag_length);
+    if (!reference) {
+      ++start;
+      continue;
+    }
+    const auto name = name_of(reference->number);
+    if (!name) return std::nullopt;
+    result.append(formula, position, start - position).append(*name);
+    position = start = reference->end;
+  }
+  return result.append(formula, position);
+}
+
+}  // namespace
+
+/// Columns and rows of a report, as far as the decoding of their references differs.
+struct BExcelExpEngDecodeFormula::Items {
+  std::string_view sql;        ///< up to the report's id
+  std::string_view condition;  ///< after it
+  std::string_view title;      ///< "Column", "Row": in messages
+  std::string_view order;
+  std::string_view type;
+  std::string_view item;
+  std::string_view grouping;
+  bool down;  ///< the items follow each other down the sheet, not to the right
+};
+
+std::string BExcelExpEngDecodeFormula::DecodeColExcelFormula(const std::string& formula, Query& expansion,
+                                                             std::string& cell_name, int row) {
+  static constexpr Items kColumns = {"SELECT * FROM FinanceColItem WHERE FinancialRptId = ",
+                                     "AND FinColIsRptMainInfo = 0 ORDER BY FinColItemOrder",
+                                     "Column",
+                                     "FinColItemOrder",
+                                     "FinColItemType",
+                                     "FinColItem",
+                                     "FinColGrouping",
+                                     false};
+  core_->WriteBanner(Memo::kInternal, {"          DECODE COLUMN EXCEL FORMULA PROCESS   "});
+  return DecodeItems(kColumns, formula, expansion, cell_name, row);
+}
+
+std::string BExcelExpEngDecodeFormula::DecodeRowExcelFormula(const std::string& formula, Query& expansion,
+                                                             std::string& cell_name, int column) {
+  static constexpr Items kRows = {"SELECT * FROM FinanceRowItem WHERE FinancialRptId = ",
+                                  "ORDER BY FinRowItemOrder",
+                                  "Row",
+                                  "FinRowItemOrder",
+                                  "FinRowItemType",
+                                  "FinRowItem",
+                                  "FinRowGrouping",
+                                  true};
+  core_->WriteBanner(Memo::kInternal, {"          DECODE ROW EXCEL FORMULA PROCESS      "});
+  return DecodeItems(kRows, formula, expansion, cell_name, column);
+}
+
+std::string BExcelExpEngDecodeFormula::DecodeRptTotalExcelFormula(const std::string& formula,
+                                                                  std::string& cell_name, int column) {
+  core_->WriteBanner(Memo::kInternal, {"          DECODE EXCEL FORMULA PROCESS          "});
+  return *ReplaceReferences(formula, kTotalTagLength, [&](int row) -> std::optional<std::string> {
+    return cell_name = GetCellName(row, column);
+  });
+}
+
+std::string BExcelExpEngDecodeFormula::DecodeItems(const Items& items, const std::string& formula,
+                                                   Query& expansion, std::string& cell_name, int fixed) {
+  const auto name_of = [&](int order) -> std::optional<std::string> {
+    int count = 0;
+    if (!CountTo(items, order, expansion, count)) return std::nullopt;
+    cell_name = items.down ? GetCellName(core_->StartPrintedRow + count - 1, fixed)
+                           : GetCellName(fixed, core_->StartPrintedCol + count - 1);
+    return cell_name;
+  };
+  return ReplaceReferences(formula, kItemTagLength, name_of).value_or("");
+}
+
+bool BExcelExpEngDecodeFormula::CountTo(const Items& items, int order, Query& expansion, int& count) {
+  const std::string sql = std::string(items.sql) + SqlText(core_->ExcelWSItemRptId) + std::string(17, ' ') +
+                          std::string(items.condition);
+  const bool opened = core_->ExecuteSQL(sql);
+  Query& rows = *core_->SQLQry;
+  if (!opened || rows.RowCount() == 0) {
+    core_->WriteErrorEntry(std::string(kWhere) + (opened ? "Empty" : "Unable to get") + " Finance " +
+                           std::string(items.title) + " Items");
+    return false;
+  }
+  for (rows.First(); !rows.Eof(); rows.Next()) {
+    const auto text = [&rows](std::string_view name) { return rows.FieldByName(name).AsString(); };
+    if (text(items.type) != item_type::kAnalysis || text(items.item) != kAllItems) {
+      ++count;
+    } else if (!CountAllItems(text(items.grouping), expansion, count)) {
+      return false;
+    }
+    if (rows.FieldByName(items.order).AsInteger() == order) break;
+  }
+  return true;
+}
+
+bool BExcelExpEngDecodeFormula::CountAllItems(const std::string& grouping, Query& expansion, int& count) {
+  try {
+    expansion.SetSql(AllItemsSql(grouping, ItemKinds::kPayAndTimesheet));
+    expansion.Open();
+  } catch (...) {
+    core_->WriteErrorEntry(std::string(kWhere) + "Error in AllFormulaQry Query");
+    return false;
+  }
+  if (expansion.RowCount() == 0) {
+    core_->WriteErrorEntry(std::string(kWhere) + "Empty AllFormulaQry Recordset");
+    return false;
+  }
+  count += expansion.RowCount();
+  return true;
+}
+
+}  // namespace excelexp
