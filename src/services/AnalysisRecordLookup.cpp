@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "engine/DefinitionTables.h"
+#include "services/BankPayments.h"
 
 namespace excelexp {
 namespace {
 
-constexpr std::string_view kBankGrouping = "BankRecord";
 constexpr std::string_view kBankLookUp = "BankPaymentAmt";
 
 }  // namespace
@@ -25,14 +25,15 @@ struct AnalysisRecordLookup::Request {
 
 bool AnalysisRecordLookup::Locate(const PeriodKey& period, const std::string& item_id,
                                   const std::string& item_type, std::string_view grouping) const {
-  return Run({period, item_id, item_type, grouping == kBankGrouping ? traits_.plain_bank : BankKey::kNone});
+  return Run(
+      {period, item_id, item_type, grouping == kBankRecordGrouping ? traits_.plain_bank : BankKey::kNone});
 }
 
 bool AnalysisRecordLookup::LocateCSS(const PeriodKey& period, const std::string& item_id,
                                      const std::string& item_type, const std::string& country,
                                      std::string_view grouping) const {
   Request request{period, item_id, item_type,
-                  grouping == kBankGrouping ? traits_.country_bank : BankKey::kNone};
+                  grouping == kBankRecordGrouping ? traits_.country_bank : BankKey::kNone};
   request.country = &country;
   return Run(request);
 }

@@ -48,11 +48,21 @@ bool CellPrinter::FormatAsTitle(const std::string& range, std::string_view where
   return Format(core_->ExcelWkSheetTitleColourSchemeId, range, where);
 }
 
+void CellPrinter::RequireColumn(int column) const {
+  if (column > kLastNamedColumn) {
+    throw SpreadsheetError("worksheet '" + core_->ExcelWorksheetName +
+                           "': the reports side by side need more than " + std::to_string(kLastNamedColumn) +
+                           " columns");
+  }
+}
+
 void CellPrinter::WriteText(int row, int column, const std::string& text) {
+  RequireColumn(column);
   core_->ExcelAPI->WriteTableCellText(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, text);
 }
 
 void CellPrinter::WriteNumber(int row, int column, const Variant& number) {
+  RequireColumn(column);
   core_->ExcelAPI->WriteTableCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
 }
 

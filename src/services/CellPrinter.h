@@ -38,6 +38,7 @@ class CellPrinter {
   /// Formats by the row the query stands on.
   bool FormatAsCurrent(const std::string& range) { return colour_scheme_.FormatExcelCell(range) != 0; }
 
+  /// Writing beyond column 256 throws SpreadsheetError: there is no cell name to format by.
   void WriteText(int row, int column, const std::string& text);
   void WriteNumber(int row, int column, const Variant& number);
   void WriteAmountFormat(const std::string& cell);
@@ -55,6 +56,8 @@ class CellPrinter {
   BExcelExpEngFieldType& FieldType() { return field_type_; }
 
  private:
+  void RequireColumn(int column) const;
+
   BExcelExpEngCore* core_;
   Query* colour_scheme_query_;
   BExcelExpEngColorScheme colour_scheme_;

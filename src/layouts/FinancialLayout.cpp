@@ -1,0 +1,182 @@
+#include "layouts/FinancialLayout.h"
+
+#include "engine/DefinitionTables.h"
+#include "platform/database/SqlText.h"
+#include "platform/host/CommonLibrary.h"
+#include "services/BExcelExpEngCalcFields.h"
+#include "services/BankPayments.h"
+
+namespace excelexp {
+namespace {
+
+const std::string kGap(17, ' ');
+
+}  // namespace
+
+FinancialLayout::FinancialLayout(BExcelExpEngCore* core, const FinancialTraits& traits)
+    : core_(core),
+      traits_(traits),
+      AnlysItemRecQry(core->DatabaseName),
+      ExcelRptLayoutQry(core->DatabaseName),
+      FinanceColItemQry(core->DatabaseName),
+      ColourSchemeQry(core->DatabaseName),
+      AllFormulaQry(core->DatabaseName),
+      cells_(core, &ColourSchemeQry),
+      formulas_(core),
+      lookup_(core, &AnlysItemRecQry, traits.lookup) {}
+
+bool FinancialLayout::Fail(std::string_view where, std::string_view text) {
+  core_->WriteErrorEntry(std::string(where) + " Error: " + std::string(text));
+  return false;
+}
+
+bool FinancialLayout::ReadReport() {
+  const std::string where = Where("ExecuteOperation");
+  if (!core_->ExecuteSQL("SELECT * FROM FinancialRpt WHERE FinancialRptId = " +
+                         SqlText(core_->ExcelWSItemRptId))) {
+    return Fail(where, "Error in getting Financial Report Information.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Financial Report Information.");
+  project_id_ = Text(*core_->SQLQry, "FinancialAnalysProjId");
+  return true;
+}
+
+bool FinancialLayout::ReadProject() {
+  const std::string where = Where("ExecuteOperation");
+  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+    return Fail(where, "Error in getting Analysis Project Information.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Information.");
+  project_sub_type_ = Text(*core_->SQLQry, "AnlysProjectSubType");
+  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  return true;
+}
+
+std::string FinancialLayout::DataCondition() const {
+  return "WHERE AnlysProjectId = " + SqlText(project_id_) + kGap +
+         "AND AnlysIPAddress = " + SqlText(core_->DataKey(core_->ExcelWSItemOrdering));
+}
+
+std::string FinancialLayout::EntityCondition() const {
+  const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
+  if (company && traits_.records != EntityRecords::kAlwaysAll) return "";
+  const auto condition = [this](std::string_view basis) {
+    return kGap + "AND " + std::string(basis) + " = " + SqlText(Text(*core_->EmpCoyBasisQry, basis));
+  };
+  const bool first_only =
+      traits_.records == EntityRecords::kByLevel && core_->ExcelWkSheetRptSumLvl == summary_level::kEmployee;
+  return first_only ? condition("Basis1Id")
+                    : condition("Basis1Id") + condition("Basis2Id") + condition("Basis3Id");
+}
+
+bool FinancialLayout::OpenRecords() {
+  return core_->OpenOrLog(AnlysItemRecQry,
+                          "SELECT * FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup" + kGap +
+                              DataCondition() + EntityCondition(),
+                          Where(traits_.records_operation), "AnlysItemRecQry", Rows::kOptional);
+}
+
+std::string FinancialLayout::ChosenPeriodsSql() const {
+  static const std::string gap(36, ' ');
+  return "SELECT * FROM ExcelWSItemRptLayout" + gap +
+         "WHERE WkSheetItemSysId = " + std::to_string(core_->ExcelWSItemSysId) + gap +
+         "ORDER BY WSRptLayoutOrder";
+}
+
+std::string FinancialLayout::DataPeriodsSql() const {
+  static const std::string gap(42, ' ');
+  return "SELECT DISTINCT AnlysItemRecYear AS WSRptLayoutYear," + gap +
+         "AnlysItemRecPeriodMonth AS WSRptLayoutMthPeriod," + gap +
+         "AnlysItemRecSubPeriod AS WSRptLayoutSubPeriod," + gap +
+         "AnlysPayRecBasis AS WSRptLayoutPayRecIdType" + gap + "FROM AnlysItemRecord" + gap +
+         DataCondition() + gap +
+         "ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis";
+}
+
+bool FinancialLayout::OpenPeriods(const std::string& select, const std::string& data_select) {
+  const std::string where = Where("ExecuteOperation");
+  if (!core_->OpenOrLog(ExcelRptLayoutQry, select, where, "ExcelRptLayoutQry", Rows::kOptional)) return false;
+  if (ExcelRptLayoutQry.RowCount() == 0 && !data_select.empty() &&
+      !core_->OpenOrLog(ExcelRptLayoutQry, data_select, where, "ExcelRptLayoutQry", Rows::kOptional)) {
+    return false;
+  }
+  return true;
+}
+
+bool FinancialLayout::FailNoPeriods() {
+  return Fail(Where("ExecuteOperation"), "Empty ExcelRptLayoutQry RecordSet.");
+}
+
+std::string FinancialLayout::ColumnItemsSql(std::string_view condition) const {
+  static const std::string gap(36, ' ');
+  return "SELECT * FROM FinanceColItem" + gap + "WHERE FinancialRptId = " + SqlText(core_->ExcelWSItemRptId) +
+         gap + "AND FinColIsRptMainInfo = 0" + std::string(condition) + " ORDER BY FinColItemOrder";
+}
+
+bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {
+  core_->WriteUserEntry("Warning: " + std::string(kind) + " Items are not set for " +
+                        core_->ExcelWSItemRptId + ".");
+  return true;
+}
+
+bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::string& component,
+                                      std::string_view where, ValueColumn& value,
+                                      std::string_view map_column) {
+  if (!core_->ExecuteSQL("SELECT * FROM AnItemLookup WHERE AnlysItemTypeId = " + SqlText(grouping) + kGap +
+                         "AND AnlysLookupId = " + SqlText(component))) {
+    return Fail(where, "Unable to get Analysis Item Details.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Item Details.");
+  value.column = Text(*core_->SQLQry, map_column);
+  value.type = FGetSystemColumnType("AnlysItemRecord", value.column);
+  return true;
+}
+
+bool FinancialLayout::OpenAllItems(const std::string& grouping, ItemKinds kinds, std::string_view where) {
+  try {
+    AllFormulaQry.SetSql(AllItemsSql(grouping, kinds));
+    AllFormulaQry.Open();
+    return true;
+  } catch (...) {
+    return Fail(where, "Error in AllFormulaQry Query");
+  }
+}
+
+void FinancialLayout::WarnNoItems(const std::string& grouping, std::string_view prefix) {
+  core_->WriteUserEntry(std::string(prefix) + ": Empty Formula Code for " + grouping + ".");
+}
+
+void FinancialLayout::PrintEntityField(const std::string& grouping, const std::string& component, int row,
+                                       int column) {
+  core_->CalcFields->Search(grouping, component, 1, nullptr);
+  cells_.FieldType().Output(GetCellName(row, column), core_->CalcFields->GetFieldType(), component,
+                            core_->CurEmpCoyBasisQry.get(), row, column);
+}
+
+void FinancialLayout::PrintValue(bool found, const ValueColumn& value, int row, int column) {
+  if (found) {
+    cells_.WriteAnalysisValue(AnlysItemRecQry, value.column, value.type, row, column, value_style_);
+  } else {
+    cells_.FieldType().OutputBlank(GetCellName(row, column), value.type, row, column, true);
+  }
+}
+
+void FinancialLayout::PrintBankValue(bool found, const ValueColumn& value, int row, int column) {
+  if (found && value.column == "AnlysItem5Id") {
+    cells_.WriteText(row, column, ShownPaymentCategory(Text(AnlysItemRecQry, value.column)));
+  } else {
+    PrintValue(found, value, row, column);
+  }
+}
+
+PeriodKey FinancialLayout::PeriodOf(const Query& periods) {
+  PeriodKey key;
+  key.year = periods.FieldByName("WSRptLayoutYear").AsInteger();
+  key.period_month = periods.FieldByName("WSRptLayoutMthPeriod").AsInteger();
+  key.sub_period = periods.FieldByName("WSRptLayoutSubPeriod").AsInteger();
+  key.pay_record_basis = Text(periods, "WSRptLayoutPayRecIdType");
+  return key;
+}
+
+}  // namespace excelexp
