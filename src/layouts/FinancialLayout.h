@@ -58,9 +58,11 @@ class FinancialLayout : public ReportLayout {
   std::string EntityCondition() const;
   /// "WHERE AnlysProjectId = ... AND AnlysIPAddress = ..." of the item being printed.
   std::string DataCondition() const;
-  /// `select` on the item's chosen pay periods; when there are none and `data_select` is not empty, on the
-  /// data instead.
+  /// Opens ExcelRptLayoutQry by `select` (the item's choice of periods); when that has no rows and
+  /// `data_select` is not empty, by `data_select` (what the data holds). No rows in the end is no failure
+  /// here.
   bool OpenPeriods(const std::string& select, const std::string& data_select);
+  bool FailNoPeriods();
   /// The chosen periods and their derivation from the data, as column groups.
   std::string ChosenPeriodsSql() const;
   std::string DataPeriodsSql() const;
