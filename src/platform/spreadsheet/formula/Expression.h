@@ -56,7 +56,12 @@ enum class Operator : std::uint8_t {
   kPercent,  ///< unary
 };
 
-/// A cell or a block, possibly of another sheet. Rows and columns are 1-based.
+/// Trees are no higher, so whoever walks one may recurse. The application allows 64 calls inside each other;
+/// what counts here are long chains such as A1+A2+A3 ...
+inline constexpr int kMaxHeight = 1024;
+
+/// A cell or a block, possibly of another sheet. Rows and columns are 1-based. Whole columns have the rows 1
+/// to Workbook::kMaxRows, both absolute; whole rows likewise.
 struct Reference {
   std::string sheet;       ///< "" is the sheet the formula stands on
   std::string last_sheet;  ///< for Sheet1:Sheet3!A1; else ""
@@ -68,6 +73,7 @@ struct Reference {
 
 struct Node {
   NodeType type = NodeType::kMissing;
+  std::uint16_t height = 1;      ///< levels of the tree from here down, at most kMaxHeight
   Operator op = Operator::kAdd;  ///< kUnary, kBinary
   double number = 0.0;           ///< kNumber; 0 or 1 for kBoolean
   ErrorCode error = ErrorCode::kNull;
@@ -86,12 +92,30 @@ class Expression {
   std::unique_ptr<Node> root_;
 };
 
-/// Parses a formula in A1 notation with commas between arguments; a leading "=" is optional. Throws
-/// ParseError.
+/// A copy of a tree.
+std::unique_ptr<Node> Clone(const Node& node);
+/// A node over `children`. Throws std::length_error beyond kMaxHeight.
+std::unique_ptr<Node> MakeNode(NodeType type, std::vector<std::unique_ptr<Node>> children);
+/// A call of the function with that name, in capitals.
+std::unique_ptr<Node> MakeCall(std::string_view function, std::vector<std::unique_ptr<Node>> arguments);
+/// A defined name, in capitals.
+std::unique_ptr<Node> MakeName(std::string_view name);
+
+/// Parses a formula in A1 notation with commas between arguments; a leading "=" is optional. Blanks may stand
+/// anywhere, function names have any case. Throws ParseError with the position and one sentence for a text
+/// that is no formula, calls a known function with too few or too many arguments (one that takes any number
+/// is left to FitFormula) or nests deeper than 256 levels.
 std::shared_ptr<const Expression> Parse(std::string_view text);
 
+/// How functions that later versions of the application added are written.
+enum class NameStyle : std::uint8_t {
+  kShown,   ///< as people write them
+  kStored,  ///< with the prefix "_xlfn." that .xlsx files want for some of them
+};
+
 /// Writes the expression as text without the leading "=".
-std::string Print(const Expression& expression);
+std::string Print(const Expression& expression, NameStyle style = NameStyle::kShown);
+std::string Print(const Node& node, NameStyle style = NameStyle::kShown);
 
 /// A copy whose relative references are moved by that many rows and columns; a reference that would leave the
 /// sheet becomes #REF!.
