@@ -15,7 +15,7 @@ namespace excelexp {
 class Query;
 
 /// One field of a query's current row. Valid while the query stays open; reads the row the query stands on
-/// when read.
+/// when read. How values are converted is told at ResultSet.
 class Field {
  public:
   bool IsNull() const;
@@ -37,7 +37,8 @@ class Field {
 ///
 /// The cursor: Open and First stand on the first row with Bof set; Next on the last row stays there and sets
 /// Eof; Last stands on the last row with Eof set; Prior on the first row stays there and sets Bof. An empty
-/// result has both set. Moving off an edge clears its flag. So `for (q.First(); !q.Eof(); q.Next())` and `for
+/// result has both set. Any move clears the flag of the edge it leads away from, also when it stays on the
+/// only row; a Locate that finds a row clears both. So `for (q.First(); !q.Eof(); q.Next())` and `for
 /// (q.Last(); !q.Bof(); q.Prior())` visit every row once, and Bof tells the first row on a walk that began
 /// with First.
 class Query {
@@ -67,6 +68,7 @@ class Query {
   void Last();
   bool Bof() const { return bof_; }
   bool Eof() const { return eof_; }
+  /// 0 for a closed query.
   int RowCount() const;
 
   /// Throws DatabaseError, naming the field and the statement, when the query is closed, empty or has no such
@@ -81,6 +83,8 @@ class Query {
 
  private:
   friend class Field;
+  const ResultSet& OpenResult() const;
+
   std::string database_name_;
   std::string sql_;
   std::shared_ptr<const ResultSet> result_;

@@ -1,0 +1,129 @@
+#include "platform/database/Catalogue.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/SqliteConnection.h"
+
+namespace excelexp {
+namespace {
+
+// SELECT * shows neither hidden columns of virtual tables (1) nor anything else that is missing here.
+constexpr char kColumnsSql[] = "SELECT name, type FROM pragma_table_xinfo(?1) WHERE hidden <> 1";
+// A key that names no columns of its target means the target's primary key.
+constexpr char kKeysSql[] =
+    "SELECT k.id, k.\"table\", k.\"from\", coalesce(k.\"to\", (SELECT t.name FROM "
+    "pragma_table_info(k.\"table\") t WHERE t.pk = k.seq + 1)) "
+    "FROM pragma_foreign_key_list(?1) k ORDER BY k.id, k.seq";
+constexpr char kNameSql[] =
+    "SELECT name FROM (SELECT type, name FROM temp.sqlite_schema UNION ALL SELECT type, name FROM "
+    "main.sqlite_schema) WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE LIMIT 1";
+constexpr char kTablesSql[] =
+    "SELECT name, type FROM main.sqlite_schema WHERE type IN ('table', 'view') AND name NOT LIKE "
+    "'sqlite\\_%' "
+    "ESCAPE '\\' ORDER BY name";
+
+constexpr char kDummySql[] = "CREATE TEMP TABLE DUMMY(dummy_col INTEGER); INSERT INTO DUMMY VALUES(0)";
+constexpr char kSystemSql[] =
+    "CREATE TEMP TABLE SysTable(table_id INTEGER PRIMARY KEY, table_name VARCHAR(128) COLLATE NOCASE, "
+    "table_type VARCHAR(8));"
+    "CREATE TEMP TABLE SysColumn(table_id INTEGER REFERENCES SysTable, column_id INTEGER, "
+    "column_name VARCHAR(128) COLLATE NOCASE, column_type VARCHAR(128))";
+
+std::string TextAt(sqlite3_stmt* row, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+  return text == nullptr ? std::string() : std::string(text);
+}
+
+void BindText(sqlite3_stmt* statement, int index, const std::string& text) {
+  sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+}
+
+}  // namespace
+
+std::string Catalogue::DeclaredName(std::string_view name) const {
+  const SqliteStatement statement = connection_.Prepare(kNameSql, kNameSql);
+  BindText(statement.get(), 1, std::string(name));
+  return connection_.Step(statement.get(), kNameSql) ? TextAt(statement.get(), 0) : std::string();
+}
+
+void Catalogue::CreateSystemTables() {
+  if (DeclaredName("DUMMY").empty()) connection_.Execute(kDummySql);
+  own_system_tables_ = DeclaredName("SysTable").empty() && DeclaredName("SysColumn").empty();
+  if (own_system_tables_) connection_.Execute(kSystemSql);
+}
+
+const TableShape* Catalogue::Find(std::string_view name) {
+  const auto [entry, is_new] = tables_.try_emplace(FoldName(name));
+  if (is_new) {
+    const std::string declared = DeclaredName(name);
+    if (!declared.empty()) entry->second = std::make_unique<TableShape>(Read(declared));
+  }
+  return entry->second.get();
+}
+
+TableShape Catalogue::Read(const std::string& name) const {
+  TableShape shape;
+  shape.name = name;
+  const SqliteStatement columns = connection_.Prepare(kColumnsSql, kColumnsSql);
+  BindText(columns.get(), 1, name);
+  try {
+    while (connection_.Step(columns.get(), kColumnsSql))
+      shape.columns.push_back({TextAt(columns.get(), 0), TextAt(columns.get(), 1)});
+  } catch (const DatabaseError&) {
+    return shape;  // a view that does not compile; a statement that reads it will say why
+  }
+  const SqliteStatement keys = connection_.Prepare(kKeysSql, kKeysSql);
+  BindText(keys.get(), 1, name);
+  int id = -1;
+  while (connection_.Step(keys.get(), kKeysSql)) {
+    if (sqlite3_column_int(keys.get(), 0) != id) shape.keys.push_back({TextAt(keys.get(), 1), {}});
+    id = sqlite3_column_int(keys.get(), 0);
+    shape.keys.back().columns.emplace_back(TextAt(keys.get(), 2), TextAt(keys.get(), 3));
+  }
+  std::erase_if(shape.keys, [](const TableShape::ForeignKey& key) {
+    return std::ranges::any_of(key.columns, [](const auto& pair) { return pair.second.empty(); });
+  });
+  return shape;
+}
+
+void Catalogue::FillSystemTables() {
+  if (filled_ || !own_system_tables_) return;
+  connection_.Execute("DELETE FROM temp.SysColumn; DELETE FROM temp.SysTable");
+  constexpr char kInsertTable[] = "INSERT INTO temp.SysTable VALUES(?1, ?2, ?3)";
+  constexpr char kInsertColumn[] = "INSERT INTO temp.SysColumn VALUES(?1, ?2, ?3, ?4)";
+  const SqliteStatement tables = connection_.Prepare(kTablesSql, kTablesSql);
+  const SqliteStatement insert_table = connection_.Prepare(kInsertTable, kInsertTable);
+  const SqliteStatement insert_column = connection_.Prepare(kInsertColumn, kInsertColumn);
+  const auto insert = [&](const SqliteStatement& statement, const char* sql) {
+    connection_.Step(statement.get(), sql);
+    sqlite3_reset(statement.get());
+  };
+  for (int table_id = 1; connection_.Step(tables.get(), kTablesSql); ++table_id) {
+    const std::string name = TextAt(tables.get(), 0);
+    sqlite3_bind_int(insert_table.get(), 1, table_id);
+    BindText(insert_table.get(), 2, name);
+    BindText(insert_table.get(), 3, TextAt(tables.get(), 1));
+    insert(insert_table, kInsertTable);
+    const TableShape* shape = Find(name);
+    for (int i = 0; shape != nullptr && i < static_cast<int>(shape->columns.size()); ++i) {
+      sqlite3_bind_int(insert_column.get(), 1, table_id);
+      sqlite3_bind_int(insert_column.get(), 2, i + 1);
+      BindText(insert_column.get(), 3, shape->columns[i].name);
+      BindText(insert_column.get(), 4, shape->columns[i].declared_type);
+      insert(insert_column, kInsertColumn);
+    }
+  }
+  filled_ = true;
+}
+
+void Catalogue::Forget() {
+  tables_.clear();
+  filled_ = false;
+}
+
+}  // namespace excelexp

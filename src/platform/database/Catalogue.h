@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "platform/database/TableShape.h"
+
+namespace excelexp {
+
+class SqliteConnection;
+
+/// The tables of a database, looked up when first asked for, and the catalogue tables made from them.
+///
+/// Every connection has three temporary tables of its own, unless the database has a table of that name:
+///   DUMMY(dummy_col)                          one row
+///   SysTable(table_id, table_name, table_type)
+///   SysColumn(table_id, column_id, column_name, column_type), with a foreign key to SysTable
+/// Their name columns compare without regard to letter case.
+class Catalogue {
+ public:
+  explicit Catalogue(const SqliteConnection& connection) : connection_(connection) {}
+
+  /// Makes the temporary tables. The catalogue tables stay empty until FillSystemTables.
+  void CreateSystemTables();
+
+  /// nullptr when there is no such table or view. Valid until Forget.
+  const TableShape* Find(std::string_view name);
+
+  /// The names of all tables and views of the database are written into SysTable and SysColumn, if they are
+  /// not there yet.
+  void FillSystemTables();
+
+  /// Another connection may have changed the schema.
+  void Forget();
+
+ private:
+  TableShape Read(const std::string& name) const;
+  /// The name as it was declared; "" when there is no such table or view.
+  std::string DeclaredName(std::string_view name) const;
+
+  const SqliteConnection& connection_;
+  std::unordered_map<std::string, std::unique_ptr<TableShape>> tables_;  // by folded name
+  bool own_system_tables_ = false;
+  bool filled_ = false;
+};
+
+}  // namespace excelexp

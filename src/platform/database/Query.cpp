@@ -1,0 +1,143 @@
+#include "platform/database/Query.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "platform/database/DatabaseRegistry.h"
+
+namespace excelexp {
+
+bool Field::IsNull() const {
+  return query_->OpenResult().IsNull(query_->row_, column_);
+}
+
+std::string Field::AsString() const {
+  return query_->OpenResult().AsText(query_->row_, column_);
+}
+
+int Field::AsInteger() const {
+  const std::int64_t value = query_->OpenResult().AsInteger(query_->row_, column_);
+  if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
+    throw DatabaseError("column " + query_->OpenResult().ColumnName(column_) + " holds " +
+                            std::to_string(value) + ", which is beyond 32 bits",
+                        query_->sql_);
+  }
+  return static_cast<int>(value);
+}
+
+double Field::AsFloat() const {
+  return query_->OpenResult().AsFloat(query_->row_, column_);
+}
+
+DateTime Field::AsDateTime() const {
+  try {
+    return query_->OpenResult().AsDateTime(query_->row_, column_);
+  } catch (const DatabaseError& error) {
+    throw DatabaseError(error.Message(), query_->sql_);
+  }
+}
+
+void Field::SaveToStream(std::string& stream) const {
+  stream = query_->OpenResult().AsBytes(query_->row_, column_);
+}
+
+Query::Query(std::string database_name) : database_name_(std::move(database_name)) {}
+
+void Query::SetDatabaseName(std::string name) {
+  Close();
+  database_name_ = std::move(name);
+}
+
+void Query::SetSql(std::string sql) {
+  Close();
+  sql_ = std::move(sql);
+}
+
+void Query::Open() {
+  Close();
+  const std::shared_ptr<Database> database = DatabaseRegistry::Find(database_name_);
+  if (database == nullptr)
+    throw DatabaseError("no database is registered under the name '" + database_name_ + "'", sql_);
+  result_ = database->Select(sql_);
+  First();
+}
+
+void Query::Close() {
+  result_.reset();
+  row_ = 0;
+  bof_ = eof_ = true;
+}
+
+const ResultSet& Query::OpenResult() const {
+  if (result_ == nullptr) throw DatabaseError("a field is read from a query that is closed", sql_);
+  return *result_;
+}
+
+int Query::RowCount() const {
+  return result_ == nullptr ? 0 : result_->RowCount();
+}
+
+void Query::First() {
+  row_ = 0;
+  bof_ = true;
+  eof_ = RowCount() == 0;
+}
+
+void Query::Last() {
+  row_ = RowCount() == 0 ? 0 : RowCount() - 1;
+  bof_ = RowCount() == 0;
+  eof_ = true;
+}
+
+void Query::Next() {
+  if (RowCount() == 0) return;
+  bof_ = false;
+  eof_ = row_ + 1 == RowCount();
+  if (!eof_) ++row_;
+}
+
+void Query::Prior() {
+  if (RowCount() == 0) return;
+  eof_ = false;
+  bof_ = row_ == 0;
+  if (!bof_) --row_;
+}
+
+Field Query::FieldByName(std::string_view name) const {
+  if (result_ == nullptr || result_->RowCount() == 0) {
+    const char* state =
+        result_ == nullptr ? "' is read from a query that is closed" : "' is read from an empty result";
+    throw DatabaseError("field '" + std::string(name) + state, sql_);
+  }
+  const int column = result_->ColumnIndex(name);
+  if (column < 0) throw DatabaseError("there is no field '" + std::string(name) + "'", sql_);
+  return Field(*this, column);
+}
+
+bool Query::Locate(std::string_view fields, std::span<const KeyValue> values) {
+  if (result_ == nullptr)
+    throw DatabaseError("fields '" + std::string(fields) + "' are located in a query that is closed", sql_);
+  std::vector<int> columns;
+  columns.reserve(values.size());
+  for (std::size_t begin = 0; begin <= fields.size();) {
+    const std::size_t end = std::min(fields.find(';', begin), fields.size());
+    const std::string_view name = fields.substr(begin, end - begin);
+    columns.push_back(result_->ColumnIndex(name));
+    if (columns.back() < 0) throw DatabaseError("there is no field '" + std::string(name) + "'", sql_);
+    begin = end + 1;
+  }
+  if (columns.size() != values.size()) {
+    throw DatabaseError(
+        "fields '" + std::string(fields) + "' are located with " + std::to_string(values.size()) + " values",
+        sql_);
+  }
+  const int row = result_->Find(columns, values);
+  if (row < 0) return false;
+  row_ = row;
+  bof_ = eof_ = false;
+  return true;
+}
+
+}  // namespace excelexp

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "platform/database/ResultSet.h"
+
+namespace excelexp {
+
+/// The results of recent statements by their texts. Holds at most a given number of bytes and drops what was
+/// not asked for longest.
+class ResultCache {
+ public:
+  explicit ResultCache(std::size_t max_bytes) : max_bytes_(max_bytes) {}
+
+  /// nullptr when the text's result is not here.
+  std::shared_ptr<const ResultSet> Find(std::string_view sql);
+  /// Keeps the result, unless it alone would push most of the others out.
+  void Put(const std::string& sql, std::shared_ptr<const ResultSet> result);
+  void Clear();
+
+ private:
+  struct Entry {
+    std::string sql;
+    std::shared_ptr<const ResultSet> result;
+    std::size_t bytes;
+  };
+  std::size_t max_bytes_;
+  std::size_t bytes_ = 0;
+  std::list<Entry> entries_;  // the one asked for last in front
+  std::unordered_map<std::string_view, std::list<Entry>::iterator> by_sql_;
+};
+
+}  // namespace excelexp

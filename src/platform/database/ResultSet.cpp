@@ -1,0 +1,283 @@
+#include "platform/database/ResultSet.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/Names.h"
+
+namespace excelexp {
+namespace {
+
+std::uint32_t HashName(std::string_view name) {
+  std::uint32_t hash = 2166136261u;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
+  return hash;
+}
+
+std::size_t Combine(std::size_t hash, std::string_view text) {
+  return (std::rotl(hash, 5) ^ std::hash<std::string_view>{}(text)) * 0x9e3779b97f4a7c15u;
+}
+
+std::string_view TrimLeft(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(" \t\r\n");
+  return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
+}
+
+// from_chars knows no plus sign.
+std::string_view NumberIn(std::string_view text) {
+  text = TrimLeft(text);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  return text;
+}
+
+std::int64_t Truncate(double value) {
+  constexpr double kLimit = 9223372036854775808.0;
+  if (std::isnan(value)) return 0;
+  if (value >= kLimit) return std::numeric_limits<std::int64_t>::max();
+  if (value < -kLimit) return std::numeric_limits<std::int64_t>::min();
+  return static_cast<std::int64_t>(value);
+}
+
+double ReadFloat(std::string_view text) {
+  text = NumberIn(text);
+  const bool digits = !text.empty() && text.find_first_of("0123456789") <= 2;  // no "inf", no "nan"
+  double value = 0.0;
+  if (digits) std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+std::int64_t ReadInteger(std::string_view text) {
+  text = NumberIn(text);
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool whole = error == std::errc{} &&
+                     (end == text.data() + text.size() || (*end != '.' && *end != 'e' && *end != 'E'));
+  return whole ? value : Truncate(ReadFloat(text));
+}
+
+}  // namespace
+
+struct ResultSet::TextBuffer {
+  std::array<char, 40> bytes;
+};
+
+ResultSet::ResultSet(std::vector<std::string> names) : names_(std::move(names)) {
+  name_hashes_.reserve(names_.size());
+  for (const std::string& name : names_) name_hashes_.push_back(HashName(name));
+}
+
+ResultSet::~ResultSet() = default;
+
+int ResultSet::ColumnIndex(std::string_view name) const {
+  const std::uint32_t hash = HashName(name);
+  for (std::size_t i = 0; i < names_.size(); ++i)
+    if (name_hashes_[i] == hash && SameName(names_[i], name)) return static_cast<int>(i);
+  return -1;
+}
+
+ResultSet::Value ResultSet::At(int row, int column) const {
+  if (row < 0 || row >= RowCount() || column < 0 || column >= ColumnCount())
+    throw std::out_of_range("the result has no row " + std::to_string(row) + " or no column " +
+                            std::to_string(column));
+  return AtUnchecked(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
+}
+
+std::string_view ResultSet::AsView(Value value, TextBuffer& buffer) const {
+  char* const begin = buffer.bytes.data();
+  char* const end = begin + buffer.bytes.size();
+  switch (value.kind) {
+    case Kind::kNull:
+      return {};
+    case Kind::kInteger: {
+      const char* last = std::to_chars(begin, end, static_cast<std::int64_t>(value.bits)).ptr;
+      return {begin, static_cast<std::size_t>(last - begin)};
+    }
+    case Kind::kFloat: {
+      const double number = std::bit_cast<double>(value.bits);
+      const double size = std::abs(number);
+      if (size == 0.0) return "0";  // also for -0.0
+      const bool plain = size >= 1e-5 && size < 1e15;
+      const auto form = plain ? std::chars_format::fixed : std::chars_format::general;
+      return {begin, static_cast<std::size_t>(std::to_chars(begin, end, number, form).ptr - begin)};
+    }
+    case Kind::kText:
+    case Kind::kBlob:
+      break;
+  }
+  return TextOf(value.bits);
+}
+
+std::string ResultSet::AsText(int row, int column) const {
+  TextBuffer buffer;
+  return std::string(AsView(At(row, column), buffer));
+}
+
+std::int64_t ResultSet::AsInteger(int row, int column) const {
+  const Value value = At(row, column);
+  if (value.kind == Kind::kInteger) return static_cast<std::int64_t>(value.bits);
+  if (value.kind == Kind::kFloat) return Truncate(std::bit_cast<double>(value.bits));
+  return value.kind == Kind::kNull ? 0 : ReadInteger(TextOf(value.bits));
+}
+
+double ResultSet::AsFloat(int row, int column) const {
+  const Value value = At(row, column);
+  if (value.kind == Kind::kFloat) return std::bit_cast<double>(value.bits);
+  if (value.kind == Kind::kInteger) return static_cast<double>(static_cast<std::int64_t>(value.bits));
+  return value.kind == Kind::kNull ? 0.0 : ReadFloat(TextOf(value.bits));
+}
+
+DateTime ResultSet::AsDateTime(int row, int column) const {
+  const Value value = At(row, column);
+  TextBuffer buffer;
+  const std::string_view text = AsView(value, buffer);
+  const bool is_text = value.kind == Kind::kText;
+  if (text.empty() || (!is_text && text == "0")) return {};
+  if (!is_text) FailDate(column, std::string(text));
+  try {
+    return ParseDateTime(text);
+  } catch (const std::invalid_argument&) {
+    FailDate(column, std::string(text));
+  }
+}
+
+void ResultSet::FailDate(int column, const std::string& text) const {
+  throw DatabaseError("column " + ColumnName(column) + " holds '" + text + "', which is no date or time", "");
+}
+
+std::string ResultSet::AsBytes(int row, int column) const {
+  return AsText(row, column);
+}
+
+int ResultSet::Find(std::span<const int> columns, std::span<const KeyValue> keys) const {
+  if (columns.size() != keys.size() || columns.empty())
+    throw std::invalid_argument("a search needs one key for each of its columns");
+  const Index& index = IndexOver(columns);
+  constexpr std::size_t kManyKeys = 16;
+  if (keys.size() > kManyKeys) throw std::invalid_argument("a search has too many keys");
+  std::array<std::string_view, kManyKeys> texts;
+  std::array<TextBuffer, kManyKeys> buffers;
+  std::size_t hash = 0;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const auto* number = std::get_if<std::int64_t>(&keys[i]);
+    texts[i] = number != nullptr ? AsView({Kind::kInteger, static_cast<std::uint64_t>(*number)}, buffers[i])
+                                 : std::string_view(std::get<std::string>(keys[i]));
+    hash = Combine(hash, texts[i]);
+  }
+  const std::size_t mask = index.slots.size() - 1;
+  TextBuffer buffer;
+  for (std::size_t slot = hash & mask; index.slots[slot] != 0; slot = (slot + 1) & mask) {
+    const std::size_t row = index.slots[slot] - 1;
+    bool same = true;
+    for (std::size_t i = 0; same && i < columns.size(); ++i)
+      same = AsView(AtUnchecked(row, static_cast<std::size_t>(columns[i])), buffer) == texts[i];
+    if (same) return static_cast<int>(row);
+  }
+  return -1;
+}
+
+const ResultSet::Index& ResultSet::IndexOver(std::span<const int> columns) const {
+  for (const std::unique_ptr<const Index>& index : indexes_)
+    if (std::ranges::equal(index->columns, columns)) return *index;
+  for (const int column : columns) static_cast<void>(ColumnName(column));  // throws for an unknown one
+  indexes_.push_back(std::make_unique<const Index>(BuildIndex(columns)));
+  bytes_ += indexes_.back()->slots.size() * sizeof(std::uint32_t) + sizeof(Index);
+  return *indexes_.back();
+}
+
+// Of rows with equal keys only the first is entered: it is the one that counts.
+ResultSet::Index ResultSet::BuildIndex(std::span<const int> columns) const {
+  Index index;
+  index.columns.assign(columns.begin(), columns.end());
+  index.slots.resize(std::bit_ceil(row_count_ * 2 + 1));
+  const std::size_t mask = index.slots.size() - 1;
+  TextBuffer buffer;
+  for (std::size_t row = 0; row < row_count_; ++row) {
+    std::size_t hash = 0;
+    for (const int column : columns)
+      hash = Combine(hash, AsView(AtUnchecked(row, static_cast<std::size_t>(column)), buffer));
+    std::size_t slot = hash & mask;
+    while (index.slots[slot] != 0 && !SameKeys(row, index.slots[slot] - 1, columns)) slot = (slot + 1) & mask;
+    if (index.slots[slot] == 0) index.slots[slot] = static_cast<std::uint32_t>(row + 1);
+  }
+  return index;
+}
+
+bool ResultSet::SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const {
+  TextBuffer buffer;
+  TextBuffer other_buffer;
+  return std::ranges::all_of(columns, [&](int column) {
+    const auto c = static_cast<std::size_t>(column);
+    return AsView(AtUnchecked(row, c), buffer) == AsView(AtUnchecked(other, c), other_buffer);
+  });
+}
+
+ResultSetBuilder::ResultSetBuilder(std::vector<std::string> column_names)
+    : result_(new ResultSet(std::move(column_names))), width_(result_->names_.size()) {}
+
+void ResultSetBuilder::BeginRow() {
+  ResultSet& result = *result_;
+  const std::size_t row = result.row_count_++ & (ResultSet::kBlockRows - 1);
+  if (row == 0) result.blocks_.emplace_back();
+  ResultSet::Block& block = result.blocks_.back();
+  // Most results have few rows: the first block grows, the others are made whole.
+  if (row * width_ == block.bits.size()) {
+    const std::size_t rows =
+        result.blocks_.size() > 1 ? ResultSet::kBlockRows : std::max<std::size_t>(4, row * 4);
+    const std::size_t cells = std::min(rows, ResultSet::kBlockRows) * width_;
+    block.bits.resize(cells);
+    block.kinds.resize(cells);
+  }
+  kind_ = block.kinds.data() + row * width_;
+  bits_ = block.bits.data() + row * width_;
+}
+
+void ResultSetBuilder::AddFloat(double value) {
+  Add(Kind::kFloat, std::bit_cast<std::uint64_t>(value));
+}
+
+// Neighbouring rows repeat most of their texts (project, entity, item): a repeated one is stored once.
+void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
+  const bool has_row_above = bits_ >= result_->blocks_.back().bits.data() + width_;
+  if (has_row_above && kind_[-static_cast<std::ptrdiff_t>(width_)] == kind) {
+    const std::uint64_t above = bits_[-static_cast<std::ptrdiff_t>(width_)];
+    if ((above & 0xffffffffu) == bytes.size() &&
+        std::memcmp(result_->text_.data() + (above >> 32), bytes.data(), bytes.size()) == 0)
+      return Add(kind, above);
+  }
+  const std::size_t offset = result_->text_.size();
+  if (offset + bytes.size() > std::numeric_limits<std::uint32_t>::max())
+    throw DatabaseError("the result holds more text than 4 GiB", "");
+  result_->text_.append(bytes);
+  Add(kind, static_cast<std::uint64_t>(offset) << 32 | bytes.size());
+}
+
+std::size_t ResultSetBuilder::Bytes() const {
+  constexpr std::size_t kCell = sizeof(std::uint64_t) + sizeof(Kind);
+  return result_->row_count_ * width_ * kCell + result_->text_.size();
+}
+
+std::shared_ptr<const ResultSet> ResultSetBuilder::Finish() {
+  ResultSet& result = *result_;
+  if (!result.blocks_.empty()) {
+    const std::size_t rows = result.row_count_ - (result.blocks_.size() - 1) * ResultSet::kBlockRows;
+    ResultSet::Block& last = result.blocks_.back();
+    last.bits.resize(rows * width_);
+    last.bits.shrink_to_fit();
+    last.kinds.resize(rows * width_);
+    last.kinds.shrink_to_fit();
+  }
+  result.text_.shrink_to_fit();
+  result.bytes_ = Bytes() + sizeof(ResultSet) + width_ * (sizeof(std::string) + sizeof(std::uint32_t));
+  return std::move(result_);
+}
+
+}  // namespace excelexp

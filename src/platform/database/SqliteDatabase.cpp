@@ -1,0 +1,334 @@
+#include "platform/database/SqliteDatabase.h"
+
+#include <sqlite3.h>
+
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <list>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platform/database/Catalogue.h"
+#include "platform/database/DatabaseError.h"
+#include "platform/database/Dialect.h"
+#include "platform/database/Names.h"
+#include "platform/database/ResultCache.h"
+#include "platform/database/ResultSet.h"
+#include "platform/database/SqliteConnection.h"
+#include "platform/database/SqliteGuard.h"
+#include "platform/database/StoredFunctions.h"
+
+namespace excelexp {
+namespace {
+
+constexpr std::size_t kKeptStatements = 64;
+constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
+
+struct TypeWord {
+  std::string_view declared;
+  std::string_view word;
+};
+constexpr std::array<TypeWord, 20> kTypeWords = {{
+    {"char", "char"},
+    {"varchar", "char"},
+    {"character", "char"},
+    {"nchar", "char"},
+    {"nvarchar", "char"},
+    {"text", "char"},
+    {"character varying", "char"},
+    {"long varchar", "char"},
+    {"int", "integer"},
+    {"integer", "integer"},
+    {"smallint", "smallint"},
+    {"tinyint", "smallint"},
+    {"double", "double"},
+    {"double precision", "double"},
+    {"real", "double"},
+    {"float", "double"},
+    {"decimal", "decimal"},
+    {"numeric", "decimal"},
+    {"datetime", "timestamp"},
+    {"timestamp", "timestamp"},
+}};
+
+// "VARCHAR(40)" is declared as varchar; a word that is not in the table (date, time, blob) speaks for itself.
+std::string TypeWordOf(const std::string& declared) {
+  std::string word = FoldName(declared.substr(0, declared.find('(')));
+  while (!word.empty() && word.back() == ' ') word.pop_back();
+  for (const TypeWord& each : kTypeWords)
+    if (each.declared == word) return std::string(each.word);
+  return word;
+}
+
+// The names of the columns of a join in parentheses bear a number when two tables share them ("Id:1"); the
+// column they come from tells which.
+std::string ColumnNameOf(sqlite3_stmt* statement, int column) {
+  const std::string name = sqlite3_column_name(statement, column);
+  const char* const origin = sqlite3_column_origin_name(statement, column);
+  const std::size_t colon = name.rfind(':');
+  if (origin == nullptr || colon == std::string::npos || name.compare(0, colon, origin) != 0) return name;
+  const bool numbered = name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
+  return numbered ? origin : name;
+}
+
+void AddCell(ResultSetBuilder& builder, sqlite3_stmt* statement, int column) {
+  switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_INTEGER:
+      return builder.AddInteger(sqlite3_column_int64(statement, column));
+    case SQLITE_FLOAT:
+      return builder.AddFloat(sqlite3_column_double(statement, column));
+    case SQLITE_TEXT: {
+      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+      return builder.AddText({text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))});
+    }
+    case SQLITE_BLOB: {
+      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+      const int size = sqlite3_column_bytes(statement, column);
+      return builder.AddBlob(size == 0 ? std::string_view() : std::string_view(bytes, size));
+    }
+    default:
+      return builder.AddNull();
+  }
+}
+
+/// Rewinds a statement when the rows were read, or when reading them failed.
+class Rewinder {
+ public:
+  explicit Rewinder(sqlite3_stmt* statement) : statement_(statement) {}
+  ~Rewinder() { sqlite3_reset(statement_); }
+  Rewinder(const Rewinder&) = delete;
+  Rewinder& operator=(const Rewinder&) = delete;
+
+ private:
+  sqlite3_stmt* statement_;
+};
+
+class SqliteDatabase final : public Database {
+ public:
+  SqliteDatabase(const std::string& file, SqliteOptions options);
+
+  std::shared_ptr<const ResultSet> Select(const std::string& sql) override;
+  std::string ColumnType(std::string_view table, std::string_view column) override;
+  std::string Country() override { return Parameter("Country", ""); }
+  std::string DateFormat() override { return Parameter("DateFormat", kDefaultDateFormat); }
+  void NoteWrite() override;
+
+ private:
+  /// A statement kept for the next time its text is sent.
+  struct Kept {
+    std::string sql;
+    CompiledQuery query;
+  };
+
+  std::shared_ptr<const ResultSet> Run(const std::string& sql);
+  std::shared_ptr<const ResultSet> ReadRows(sqlite3_stmt* statement, const std::string& sql);
+  CompiledQuery Compile(const std::string& sql);
+  CompiledQuery TakeStatement(const std::string& sql);
+  void KeepStatement(const std::string& sql, CompiledQuery query);
+
+  /// `sent` is the statement that errors show.
+  void BeginSnapshot(const std::string& sent);
+  void EndSnapshot();
+  void ForgetData();
+  void ForgetSchema();
+  std::int64_t Pragma(const char* sql, const std::string& sent);
+  std::string Parameter(std::string_view id, std::string_view absent);
+
+  SqliteOptions options_;
+  SqliteConnection connection_;
+  SqliteGuard guard_;
+  Catalogue catalogue_;
+  FindTable find_table_;
+  std::list<Kept> statements_;  // the one used last in front
+  StoredFunctions functions_;
+  ResultCache cache_;
+  bool in_snapshot_ = false;
+  std::optional<std::int64_t> data_version_;
+  std::optional<std::int64_t> schema_version_;
+  std::uint64_t writes_noted_ = 0;
+};
+
+std::string WithContent(const std::string& file) {
+  std::error_code error;
+  if (std::filesystem::is_regular_file(file, error) && std::filesystem::file_size(file, error) == 0)
+    throw DatabaseError("'" + file + "' is empty, not a database", "");
+  return file;
+}
+
+SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
+    : options_(std::move(options)),
+      connection_(WithContent(file), SqliteConnection::Access::kRead, options_.busy_timeout_ms,
+                  {options_.cancelled, options_.now}),
+      guard_(connection_.Handle()),
+      catalogue_(connection_),
+      find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
+      functions_(connection_, guard_, [this](const std::string& sql) { return Compile(sql); }),
+      cache_(options_.cache_bytes) {
+  // Opening reports what is wrong with the file; it must not hold a lock from then on.
+  try {
+    const SqliteGuard::Pass pass(guard_);
+    catalogue_.CreateSystemTables();
+    BeginSnapshot("");
+    EndSnapshot();
+  } catch (const DatabaseError& error) {
+    throw DatabaseError(error.Message(), "");  // the statement is ours and would only confuse
+  }
+}
+
+std::shared_ptr<const ResultSet> SqliteDatabase::Select(const std::string& sql) {
+  // What is in the cache is of this snapshot: both end together.
+  if (std::shared_ptr<const ResultSet> known = cache_.Find(sql)) return known;
+  try {
+    return Run(sql);
+  } catch (const DatabaseError& error) {
+    // A failure such as a full disk or a damaged page ends a transaction by itself.
+    if (in_snapshot_ && sqlite3_get_autocommit(connection_.Handle()) != 0) NoteWrite();
+    if (options_.on_failure) options_.on_failure(sql, error.Message());
+    throw;
+  }
+}
+
+std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
+  if (!in_snapshot_) BeginSnapshot(sql);
+  const std::uint64_t writes_noted = writes_noted_;
+  CompiledQuery query = TakeStatement(sql);
+  if (query.traits.reads_catalogue) {
+    const SqliteGuard::Pass pass(guard_);
+    catalogue_.FillSystemTables();
+  }
+  connection_.BeginStatement();
+  functions_.SetMetVolatile(query.traits.is_volatile);
+  std::shared_ptr<const ResultSet> result = ReadRows(query.statement.get(), sql);
+  if (!functions_.MetVolatile() && writes_noted == writes_noted_) cache_.Put(sql, result);
+  KeepStatement(sql, std::move(query));
+  return result;
+}
+
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql) {
+  const Rewinder rewinder(statement);
+  const int width = sqlite3_column_count(statement);
+  std::vector<std::string> names;
+  names.reserve(width);
+  for (int column = 0; column < width; ++column) names.push_back(ColumnNameOf(statement, column));
+  ResultSetBuilder builder(std::move(names));
+  while (connection_.Step(statement, sql)) {
+    builder.BeginRow();
+    for (int column = 0; column < width; ++column) AddCell(builder, statement, column);
+    if (builder.Bytes() > options_.max_result_bytes)
+      throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
+                          sql);
+  }
+  return builder.Finish();
+}
+
+CompiledQuery SqliteDatabase::Compile(const std::string& sql) {
+  std::string rewritten;
+  {
+    const SqliteGuard::Pass pass(guard_);
+    rewritten = RewriteSql(sql, find_table_);
+  }
+  guard_.Begin();
+  SqliteStatement statement = connection_.Prepare(rewritten, sql);
+  if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_stmt_isexplain(statement.get()) != 0 ||
+      sqlite3_column_count(statement.get()) == 0)
+    throw DatabaseError("refused: only SELECT statements are run here", sql);
+  return {std::move(statement), guard_.Traits(sql)};
+}
+
+CompiledQuery SqliteDatabase::TakeStatement(const std::string& sql) {
+  for (auto kept = statements_.begin(); kept != statements_.end(); ++kept) {
+    if (kept->sql != sql) continue;
+    CompiledQuery query = std::move(kept->query);
+    statements_.erase(kept);
+    return query;
+  }
+  CompiledQuery query = Compile(sql);
+  if (sqlite3_bind_parameter_count(query.statement.get()) != 0)
+    throw DatabaseError("the statement has parameters, and nothing gives them values", sql);
+  return query;
+}
+
+void SqliteDatabase::KeepStatement(const std::string& sql, CompiledQuery query) {
+  statements_.push_front({sql, std::move(query)});
+  if (statements_.size() > kKeptStatements) statements_.pop_back();
+}
+
+void SqliteDatabase::BeginSnapshot(const std::string& sent) {
+  const SqliteGuard::Pass pass(guard_);
+  connection_.Execute("BEGIN");
+  in_snapshot_ = true;
+  try {
+    // The first read takes the snapshot.
+    const std::int64_t schema_version = Pragma("PRAGMA schema_version", sent);
+    const std::int64_t data_version = Pragma("PRAGMA data_version", sent);
+    if (schema_version_ != schema_version) ForgetSchema();
+    if (data_version_ != data_version || schema_version_ != schema_version)
+      functions_.Load(catalogue_.Find("DatabaseFunction") != nullptr);
+    schema_version_ = schema_version;
+    data_version_ = data_version;
+  } catch (...) {
+    EndSnapshot();
+    throw;
+  }
+}
+
+void SqliteDatabase::EndSnapshot() {
+  if (!in_snapshot_) return;
+  const SqliteGuard::Pass pass(guard_);
+  in_snapshot_ = false;
+  if (sqlite3_get_autocommit(connection_.Handle()) == 0) connection_.Execute("COMMIT");
+}
+
+std::int64_t SqliteDatabase::Pragma(const char* sql, const std::string& sent) {
+  const SqliteStatement statement = connection_.Prepare(sql, sent);
+  connection_.Step(statement.get(), sent);
+  return sqlite3_column_int64(statement.get(), 0);
+}
+
+void SqliteDatabase::NoteWrite() {
+  ++writes_noted_;
+  ForgetData();
+  EndSnapshot();
+}
+
+void SqliteDatabase::ForgetData() {
+  cache_.Clear();
+  functions_.Forget();
+}
+
+void SqliteDatabase::ForgetSchema() {
+  statements_.clear();
+  functions_.Forget();
+  catalogue_.Forget();
+}
+
+std::string SqliteDatabase::ColumnType(std::string_view table, std::string_view column) {
+  if (!in_snapshot_) BeginSnapshot("");
+  const SqliteGuard::Pass pass(guard_);
+  const TableShape* shape = catalogue_.Find(table);
+  const TableShape::Column* found = shape == nullptr ? nullptr : shape->Find(column);
+  return found == nullptr ? std::string() : TypeWordOf(found->declared_type);
+}
+
+std::string SqliteDatabase::Parameter(std::string_view id, std::string_view absent) {
+  if (!in_snapshot_) BeginSnapshot("");
+  {
+    const SqliteGuard::Pass pass(guard_);
+    const TableShape* shape = catalogue_.Find("SystemParameter");
+    if (shape == nullptr || shape->Find("ParameterValue") == nullptr) return std::string(absent);
+  }
+  const auto rows =
+      Select("SELECT ParameterValue FROM SystemParameter WHERE ParameterId = '" + std::string(id) + "'");
+  return rows->RowCount() == 0 || rows->IsNull(0, 0) ? std::string(absent) : rows->AsText(0, 0);
+}
+
+}  // namespace
+
+std::shared_ptr<Database> OpenSqliteDatabase(const std::string& file, SqliteOptions options) {
+  return std::make_shared<SqliteDatabase>(file, std::move(options));
+}
+
+}  // namespace excelexp

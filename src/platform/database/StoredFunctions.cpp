@@ -1,0 +1,205 @@
+#include "platform/database/StoredFunctions.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <set>
+#include <utility>
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/Names.h"
+
+namespace excelexp {
+namespace {
+
+constexpr std::size_t kMaxValueBytes = 16u << 20;  // all remembered values of a connection
+constexpr std::size_t kValueOverhead = 160;        // map node and value object
+constexpr int kMaxDepth = 32;                      // functions that call functions
+constexpr int kMaxArguments = 100;
+
+constexpr char kDefinitionsSql[] =
+    "SELECT FunctionName, ArgumentCount, FunctionSql FROM DatabaseFunction ORDER BY FunctionName";
+
+std::string_view BytesOf(sqlite3_value* value) {
+  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+  return bytes == nullptr ? std::string_view() : std::string_view(bytes, sqlite3_value_bytes(value));
+}
+
+// Without an answer the value of a function is NULL.
+void Answer(sqlite3_context* context, sqlite3_value* value) {
+  if (value != nullptr) sqlite3_result_value(context, value);
+}
+
+// Equal keys mean equal arguments of equal types.
+std::string KeyOf(int count, sqlite3_value** arguments) {
+  std::string key;
+  for (int i = 0; i < count; ++i) {
+    const int type = sqlite3_value_type(arguments[i]);
+    if (type == SQLITE_FLOAT) {
+      const double number = sqlite3_value_double(arguments[i]);
+      key.append(1, 'd').append(reinterpret_cast<const char*>(&number), sizeof number);
+    } else {
+      const std::string_view bytes = BytesOf(arguments[i]);
+      key.append(1, static_cast<char>('0' + type))
+          .append(std::to_string(bytes.size()))
+          .append(1, ':')
+          .append(bytes);
+    }
+  }
+  return key;
+}
+
+}  // namespace
+
+void StoredFunctions::ValueFreer::operator()(sqlite3_value* value) const {
+  sqlite3_value_free(value);
+}
+
+StoredFunctions::StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
+    : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
+
+StoredFunctions::~StoredFunctions() {
+  Forget();
+}
+
+void StoredFunctions::Load(bool table_exists) {
+  std::vector<Definition> wanted;
+  if (table_exists) wanted = ReadDefinitions();
+  const auto definition = [](const std::unique_ptr<Function>& function) { return function->definition; };
+  if (std::ranges::equal(functions_, wanted, {}, definition)) return;
+  Unregister();
+  std::set<std::string> names;
+  for (Definition& each : wanted) {
+    const std::string folded = FoldName(each.name);
+    if (guard_.IsBuiltIn(folded))
+      throw DatabaseError("table DatabaseFunction redefines the function " + each.name, each.sql);
+    if (!names.insert(folded).second)
+      throw DatabaseError("table DatabaseFunction defines the function " + each.name + " twice", each.sql);
+    Register(std::move(each));
+  }
+}
+
+std::vector<StoredFunctions::Definition> StoredFunctions::ReadDefinitions() const {
+  std::vector<Definition> definitions;
+  const SqliteStatement rows = connection_.Prepare(kDefinitionsSql, kDefinitionsSql);
+  const auto text = [&](int column) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), column));
+    return bytes == nullptr ? std::string() : std::string(bytes);
+  };
+  while (connection_.Step(rows.get(), kDefinitionsSql)) {
+    Definition each{text(0), sqlite3_column_int(rows.get(), 1), text(2)};
+    if (each.name.empty() || each.sql.empty() || each.argument_count < 0 ||
+        each.argument_count > kMaxArguments)
+      throw DatabaseError(
+          "table DatabaseFunction has a row without name, SQL or a sensible argument count: '" + each.name +
+              "'",
+          each.sql);
+    definitions.push_back(std::move(each));
+  }
+  return definitions;
+}
+
+void StoredFunctions::Register(Definition definition) {
+  functions_.push_back(std::make_unique<Function>(this, std::move(definition)));
+  Function& function = *functions_.back();
+  const int code = sqlite3_create_function_v2(
+      connection_.Handle(), function.definition.name.c_str(), function.definition.argument_count,
+      SQLITE_UTF8 | SQLITE_INNOCUOUS, &function, &OnCall, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) connection_.Fail(code, function.definition.sql);
+  guard_.Allow(FoldName(function.definition.name));
+}
+
+void StoredFunctions::Unregister() {
+  Forget();
+  for (const std::unique_ptr<Function>& function : functions_) {
+    guard_.Forbid(FoldName(function->definition.name));
+    sqlite3_create_function_v2(connection_.Handle(), function->definition.name.c_str(),
+                               function->definition.argument_count, SQLITE_UTF8, nullptr, nullptr, nullptr,
+                               nullptr, nullptr);
+  }
+  functions_.clear();
+}
+
+void StoredFunctions::Forget() {
+  for (const std::unique_ptr<Function>& function : functions_) {
+    function->idle.clear();
+    function->values.clear();
+  }
+  value_bytes_ = 0;
+}
+
+void StoredFunctions::OnCall(sqlite3_context* context, int count, sqlite3_value** arguments) {
+  auto& function = *static_cast<Function*>(sqlite3_user_data(context));
+  std::string message;
+  try {
+    return function.owner->Call(function, context, count, arguments);
+  } catch (const DatabaseError& error) {
+    message = error.Message();
+  } catch (const std::exception& error) {
+    message = error.what();
+  }
+  if (!message.starts_with("function ")) message = "function " + function.definition.name + ": " + message;
+  sqlite3_result_error(context, message.data(), static_cast<int>(message.size()));
+}
+
+void StoredFunctions::Call(Function& function, sqlite3_context* context, int count,
+                           sqlite3_value** arguments) {
+  std::string key = KeyOf(count, arguments);
+  if (const auto known = function.values.find(key); known != function.values.end())
+    return Answer(context, known->second.get());
+  if (depth_ >= kMaxDepth)
+    throw DatabaseError("functions call each other too deeply", function.definition.sql);
+  ++depth_;
+  const bool outer_volatile = std::exchange(met_volatile_, false);
+  try {
+    Evaluate(function, context, count, arguments, std::move(key));
+  } catch (...) {
+    --depth_;
+    met_volatile_ = true;
+    throw;
+  }
+  --depth_;
+  met_volatile_ = met_volatile_ || outer_volatile;
+}
+
+void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int count,
+                               sqlite3_value** arguments, std::string key) {
+  CompiledQuery query = Take(function);
+  sqlite3_stmt* const statement = query.statement.get();
+  for (int i = 0; i < count; ++i) sqlite3_bind_value(statement, i + 1, arguments[i]);
+  const bool has_row = connection_.Step(statement, function.definition.sql);
+  met_volatile_ = met_volatile_ || query.traits.is_volatile;
+  std::unique_ptr<sqlite3_value, ValueFreer> value;
+  if (has_row) value.reset(sqlite3_value_dup(sqlite3_column_value(statement, 0)));
+  Answer(context, value.get());
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+  function.idle.push_back(std::move(query));
+  if (met_volatile_) return;
+  const int type = value == nullptr ? SQLITE_NULL : sqlite3_value_type(value.get());
+  const bool is_long = type == SQLITE_TEXT || type == SQLITE_BLOB;
+  const std::size_t bytes = key.size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;
+  if (value_bytes_ + bytes > kMaxValueBytes) {
+    for (const std::unique_ptr<Function>& each : functions_) each->values.clear();
+    value_bytes_ = 0;
+  }
+  value_bytes_ += bytes;
+  function.values.emplace(std::move(key), std::move(value));
+}
+
+CompiledQuery StoredFunctions::Take(Function& function) {
+  if (!function.idle.empty()) {
+    CompiledQuery query = std::move(function.idle.back());
+    function.idle.pop_back();
+    return query;
+  }
+  CompiledQuery query = compile_(function.definition.sql);
+  if (sqlite3_bind_parameter_count(query.statement.get()) > function.definition.argument_count)
+    throw DatabaseError("its SQL has more parameters than the function has arguments",
+                        function.definition.sql);
+  return query;
+}
+
+}  // namespace excelexp

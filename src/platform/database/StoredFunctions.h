@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/database/SqliteConnection.h"
+#include "platform/database/SqliteGuard.h"
+
+struct sqlite3_context;
+struct sqlite3_value;
+
+namespace excelexp {
+
+/// A compiled statement of the dialect and what the guard saw in it.
+struct CompiledQuery {
+  SqliteStatement statement;
+  StatementTraits traits;
+};
+
+/// The functions that a database brings along: each row of
+/// DatabaseFunction(FunctionName, ArgumentCount, FunctionSql) becomes a scalar function whose value is the
+/// first column of the first row of its SELECT, or NULL when there is no row. ?1, ?2, ... are the arguments.
+///
+/// Values are remembered per arguments until Forget, unless the SELECT asks for something volatile.
+class StoredFunctions {
+ public:
+  /// `compile` compiles a SELECT of the dialect under the guard.
+  using Compile = std::function<CompiledQuery(const std::string& sql)>;
+  StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, Compile compile);
+  ~StoredFunctions();
+  StoredFunctions(const StoredFunctions&) = delete;
+  StoredFunctions& operator=(const StoredFunctions&) = delete;
+
+  /// Reads the table and registers what it defines. Throws DatabaseError for a row that defines nothing
+  /// sensible, or that redefines a function the library has.
+  void Load(bool table_exists);
+
+  /// Drops remembered values and compiled statements: the data may have changed.
+  void Forget();
+
+  /// Says that the running statement met something volatile; reset and read around a statement.
+  bool MetVolatile() const { return met_volatile_; }
+  void SetMetVolatile(bool met) { met_volatile_ = met; }
+
+ private:
+  struct Definition {
+    std::string name;
+    int argument_count;
+    std::string sql;
+    friend bool operator==(const Definition&, const Definition&) = default;
+  };
+  struct ValueFreer {
+    void operator()(sqlite3_value* value) const;
+  };
+  struct Function {
+    StoredFunctions* owner;
+    Definition definition;
+    std::vector<CompiledQuery> idle;  // more than one when the function calls itself
+    std::unordered_map<std::string, std::unique_ptr<sqlite3_value, ValueFreer>> values;
+  };
+
+  std::vector<Definition> ReadDefinitions() const;
+  void Register(Definition definition);
+  void Unregister();
+  static void OnCall(sqlite3_context* context, int count, sqlite3_value** arguments);
+  void Call(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments);
+  void Evaluate(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments,
+                std::string key);
+  CompiledQuery Take(Function& function);
+
+  SqliteConnection& connection_;
+  SqliteGuard& guard_;
+  Compile compile_;
+  std::vector<std::unique_ptr<Function>> functions_;
+  std::size_t value_bytes_ = 0;
+  int depth_ = 0;
+  bool met_volatile_ = false;
+};
+
+}  // namespace excelexp

@@ -1,0 +1,174 @@
+#include "platform/database/Dialect.h"
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/TestDatabase.h"
+
+namespace excelexp {
+namespace {
+
+using test::ErrorOf;
+using test::Rows;
+using test::TestDatabase;
+
+constexpr char kSchema[] = R"(
+CREATE TABLE Personal(PersonalSysId INTEGER PRIMARY KEY, PersonalName VARCHAR(40));
+CREATE TABLE Employee(EmployeeSysId INTEGER PRIMARY KEY, PersonalSysId INTEGER REFERENCES Personal,
+  EmployeeName VARCHAR(40), HireDate DATE);
+CREATE TABLE Company(CompanyId CHAR(3) PRIMARY KEY);
+CREATE TABLE Transfer(Code INTEGER, FromId CHAR(3) REFERENCES Company, ToId CHAR(3) REFERENCES Company);
+CREATE TABLE AnlysItemRecord(AnlysProjectId VARCHAR(20), Basis1Id VARCHAR(20), SectionId INTEGER REFERENCES
+  AnlysDispSection, AnlysAmount1 DOUBLE);
+CREATE TABLE AnlysItemSetup(AnlysItemTypeId VARCHAR(20), Country CHAR(2), SetupDesc VARCHAR(20),
+  PRIMARY KEY(AnlysItemTypeId, Country));
+CREATE TABLE AnlysDispSection(SectionId INTEGER PRIMARY KEY, AnlysItemTypeId VARCHAR(20), Country CHAR(2),
+  FOREIGN KEY(AnlysItemTypeId, Country) REFERENCES AnlysItemSetup);
+CREATE TABLE ColourCodeMapping(ColourCode VARCHAR(10) PRIMARY KEY, ColourCodeIndex INTEGER);
+CREATE TABLE ColourScheme(ColourSchemeId VARCHAR(20), ColourSchColour VARCHAR(10) REFERENCES ColourCodeMapping);
+CREATE TABLE KeyWord(KeyWordId VARCHAR(20), KeywordCategory VARCHAR(20));
+CREATE TABLE "Odd ""name"""("the id" INTEGER, "from" INTEGER REFERENCES Employee);
+CREATE TABLE Loose(PersonalSysId INTEGER, Text VARCHAR(10));
+INSERT INTO Personal VALUES(1, 'Ann'), (2, 'Bob');
+INSERT INTO Employee VALUES(10, 1, 'Ann E', '2004-02-29');
+INSERT INTO Company VALUES('001');
+INSERT INTO AnlysItemSetup VALUES('PayElement', 'ID', 'Pay'), ('PayElement', 'MY', 'Other'), ('Allowance', 'ID', 'Alw');
+INSERT INTO AnlysDispSection VALUES(7, 'PayElement', 'ID'), (8, 'Allowance', 'ID');
+INSERT INTO AnlysItemRecord VALUES('P', '10', 7, 1.5), ('P', '10', 8, 2.5), ('Q', '11', 7, 4);
+INSERT INTO ColourCodeMapping VALUES('Red', 3);
+INSERT INTO ColourScheme VALUES('S1', 'Red'), ('S2', NULL);
+INSERT INTO KeyWord VALUES('Daily', 'Basic Rate Type'), ('Pay', 'Other');
+INSERT INTO "Odd ""name""" VALUES(5, 10);
+INSERT INTO Loose VALUES(1, 'loose');
+)";
+
+struct Shape {
+  const char* sql;
+  const char* rows;
+};
+
+TEST(Dialect, JoinsWithoutOnFollowTheDeclaredKey) {
+  const TestDatabase file(kSchema);
+  const auto database = file.Open();
+  const Shape shapes[] = {
+      // two tables; the key column they share needs no table name
+      {"SELECT DISTINCT EmployeeSysId FROM Employee JOIN Personal WHERE PersonalSysId = 1", "10"},
+      {"SELECT *, 5 AS X FROM Employee Join Personal WHERE EmployeeSysId = 10",
+       "10|1|Ann E|2004-02-29|Ann|5"},
+      {"SELECT * FROM ColourScheme JOIN ColourCodeMapping WHERE                 ColourSchemeId IN ('S1',   "
+       "'S2')",
+       "S1|Red|Red|3"},
+      {"SELECT Personal.PersonalSysId, Employee.PersonalSysId, PersonalSysId FROM Employee INNER JOIN "
+       "Personal",
+       "1|1|1"},
+      {"SELECT E.EmployeeName, P.PersonalName FROM Employee AS E JOIN Personal P", "Ann E|Ann"},
+      {"SELECT P.PersonalName FROM main.Employee JOIN main.Personal \"P\"", "Ann"},
+      // the key of either side, outer joins
+      {"SELECT Personal.PersonalSysId, EmployeeName FROM Personal LEFT OUTER JOIN Employee WHERE "
+       "Personal.PersonalSysId = 2",
+       "2|~"},
+      {"SELECT PersonalSysId, EmployeeSysId FROM Personal LEFT JOIN Employee ORDER BY 1", "1|10/2|~"},
+      // three in a row; a composite key
+      {"SELECT AnlysAmount1, SetupDesc FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup"
+       " WHERE AnlysItemTypeId = 'PayElement' AND Country = 'ID' AND SectionId = 7 AND AnlysProjectId = 'P'",
+       "1.5|Pay"},
+      {"SELECT DISTINCT AnlysItemTypeId FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup ORDER "
+       "BY 1",
+       "Allowance/PayElement"},
+      // a parenthesised join on either side, with and without ON
+      {"SELECT DISTINCT Basis1Id, '' AS Basis2Id, Personal.PersonalName, Employee.PersonalSysId FROM "
+       "AnlysItemRecord JOIN (Employee JOIN Personal)                ON Basis1Id = EmployeeSysId WHERE "
+       "AnlysProjectId = 'P' AND Basis1Id IN (SELECT DISTINCT EmployeeSysId FROM Employee JOIN Personal "
+       "WHERE "
+       "Employee.HireDate = '2004-02-29') ORDER BY Personal.PersonalName",
+       "10||Ann|1"},
+      {"SELECT SetupDesc FROM AnlysItemRecord JOIN (AnlysDispSection JOIN AnlysItemSetup) WHERE AnlysAmount1 "
+       "= 2.5",
+       "Alw"},
+      {"SELECT SetupDesc FROM (AnlysItemRecord JOIN AnlysDispSection) JOIN AnlysItemSetup WHERE AnlysAmount1 "
+       "= 2.5",
+       "Alw"},
+      {"SELECT SetupDesc FROM ((AnlysItemRecord JOIN AnlysDispSection)) LEFT JOIN (AnlysItemSetup) ORDER BY "
+       "1 LIMIT 1",
+       "Alw"},
+      // beside derived tables and comma lists
+      {"SELECT Basis1Id, KeyWord.KeyWordId, EmployeeName FROM AnlysItemRecord, (SELECT * FROM Keyword WHERE "
+       "KeywordCategory='Basic Rate Type' UNION SELECT '','') AS KeyWord, Employee JOIN Personal WHERE "
+       "Basis1Id = EmployeeSysId AND AnlysAmount1 = 1.5 ORDER BY 2",
+       "10||Ann E/10|Daily|Ann E"},
+      {"SELECT Text, PersonalName FROM Loose, Employee JOIN Personal", "loose|Ann"},
+      {"SELECT T, PersonalName FROM (SELECT PersonalSysId + 1 AS PersonalSysId, Text AS T FROM Loose) AS D, "
+       "Employee JOIN Personal",
+       "loose|Ann"},
+      // any letter case, any blanks, comments in between
+      {"select PersonalName from EMPLOYEE\t left\n outer   /* JOIN Company */ join -- no ON\n personal",
+       "Ann"},
+      {"SELECT \"the id\", EmployeeName FROM [Odd \"name\"] JOIN `Employee`", "5|Ann E"},
+      // joins that have their condition, and names that only look like tables
+      {"SELECT PersonalName FROM Personal JOIN Company ON CompanyId = '001' WHERE PersonalSysId = 1", "Ann"},
+      {"SELECT EmployeeName FROM Employee NATURAL JOIN Personal CROSS JOIN Company", "Ann E"},
+      {"SELECT EmployeeName FROM Employee JOIN Personal USING (PersonalSysId), Company", "Ann E"},
+      {"SELECT a FROM (SELECT 1 AS a) x JOIN (SELECT 2 AS b) y ON x.a IS DISTINCT FROM y.b AND b IN (SELECT "
+       "EmployeeSysId - 8 FROM Employee JOIN Personal)",
+       "1"},
+      {"WITH Company(PersonalSysId) AS (SELECT EmployeeSysId FROM Employee JOIN Personal) SELECT * FROM "
+       "Company "
+       "JOIN Loose ON 1",
+       "10|1|loose"},
+      {"SELECT 'FROM Employee JOIN Company', \"PersonalName\" FROM Personal -- JOIN Company\n WHERE "
+       "PersonalName "
+       "<> 'A JOIN ''B' AND PersonalSysId=1",
+       "FROM Employee JOIN Company|Ann"},
+      {"SELECT (SELECT Count(*) FROM Employee JOIN Personal) + 1 FROM DUMMY", "2"},
+      {"SELECT Count(Column_Name) as NoOfColumn FROM SysTable Join SysColumn WHERE table_name='Keyword'",
+       "2"},
+      {"SELECT Count(Column_Name) FROM SysTable Join SysColumn WHERE table_name='nothing'", "0"},
+      {"SELECT 'a' AS A, 2 AS B FROM DUMMY", "a|2"},
+  };
+  for (const Shape& shape : shapes) {
+    try {
+      EXPECT_EQ(Rows(*database->Select(shape.sql)), shape.rows) << shape.sql;
+    } catch (const DatabaseError& error) {
+      ADD_FAILURE() << error.what();
+    }
+  }
+}
+
+TEST(Dialect, NoKeyOrTwoKeysNameTheTables) {
+  const TestDatabase file(kSchema);
+  const auto database = file.Open();
+  const Shape shapes[] = {
+      {"SELECT * FROM employee JOIN company",
+       "a join without ON needs a foreign key, and none is declared between Employee and Company"},
+      {"SELECT * FROM (Employee JOIN Personal) JOIN Company",
+       "a join without ON needs a foreign key, and none is declared between Employee, Personal and Company"},
+      {"SELECT * FROM Personal, Employee JOIN (SELECT 1) AS X",
+       "a join without ON needs a foreign key, and none is declared between Employee and X"},
+      {"SELECT * FROM Transfer JOIN Company",
+       "a join without ON needs one foreign key, and more than one is declared between Transfer and Company: "
+       "Transfer(ToId) to Company, Transfer(FromId) to Company"},
+      {"SELECT * FROM Employee JOIN Nowhere", "no such table: Nowhere"},
+      {"SELECT * FROM Nowhere", "no such table: Nowhere"},
+  };
+  for (const Shape& shape : shapes) EXPECT_EQ(ErrorOf(*database, shape.sql), shape.rows) << shape.sql;
+  EXPECT_NE(ErrorOf(*database, "SELECT " + std::string(5000, '(')), "");
+}
+
+TEST(Dialect, WhatNeedsNoKeyIsNotTouched) {
+  const FindTable nothing = [](std::string_view) { return nullptr; };
+  for (const std::string sql :
+       {"", "SELECT", "'unclosed JOIN", "/* unclosed JOIN", "SELECT x FROM", "SELECT x FROM a JOIN",
+        "SELECT 1 FROM (", "SELECT x FROM a LEFT", "))) FROM a JOIN b ON 1=1 (((",
+        "SELECT LEFT(x, 1) FROM a WHERE x = \"JOIN\"\"b\"",
+        "SELECT  1e+5  ,x'00' FROM t JOIN u ON a=b AND c IN (1,2) LEFT JOIN v USING (k) WHERE \xc3\xa4 = "
+        "'JOIN'"})
+    EXPECT_EQ(RewriteSql(sql, nothing), sql);
+}
+
+// SQLite's USING would take the first table that has the column, here Loose.
+TEST(Dialect, SharedColumnOfAnEarlierTableIsNotMistakenForTheKey) {
+  const TestDatabase file(kSchema);
+  SqliteWriter(file.File()).ExecuteScript("UPDATE Loose SET PersonalSysId = 2");
+  EXPECT_EQ(Rows(*file.Open()->Select("SELECT PersonalName FROM Loose, Employee JOIN Personal")), "Ann");
+}
+
+}  // namespace
+}  // namespace excelexp
