@@ -2,12 +2,8 @@
 
 namespace excelexp {
 
-// Until a preparation stands here, its reports have no data and their worksheets show header and footer only.
-
-int PrepareFinancialReport(BExcelExpEngCore* /*core*/) {
-  return 0;
-}
-
+// Until the preparation stands here, its reports have no data and their worksheets show header and footer
+// only.
 int PrepareEmployeeReport(BExcelExpEngCore* /*core*/) {
   return 0;
 }

@@ -1,5 +1,6 @@
 #include "worksheet/BExcelExpEngProcWksheetItem.h"
 
+#include "dataprep/BExcelExpEngFinRptInfo.h"
 #include "dataprep/DataPreparation.h"
 #include "engine/DefinitionTables.h"
 #include "frames/ReportFrame.h"
@@ -90,7 +91,7 @@ bool BExcelExpEngProcWksheetItem::RecordResult(int result) {
 
 int BExcelExpEngProcWksheetItem::ExecuteProcFinancialRptInfo() {
   core_->WriteBanner(Memo::kInternal, {"        FINANCIAL REPORT INFO PROCESSING        "});
-  const int result = PrepareFinancialReport(core_);
+  const int result = BExcelExpEngFinRptInfo(core_).ExecuteOperation();
   if (result == -1) {
     core_->WriteInternalMemo(
         kMessageClass + "ExecuteProcFinancialRptInfo() Error: Error in processing Financial Report Data");
