@@ -162,20 +162,18 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
     : options_(std::move(options)),
       connection_(WithContent(file), SqliteConnection::Access::kRead, options_.busy_timeout_ms,
                   {options_.cancelled, options_.now}),
-      guard_(connection_.Handle()),
+      guard_(connection_),
       catalogue_(connection_),
       find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
       functions_(connection_, guard_, [this](const std::string& sql) { return Compile(sql); }),
       cache_(options_.cache_bytes) {
-  // Opening reports what is wrong with the file; it must not hold a lock from then on.
-  try {
+  {
     const SqliteGuard::Pass pass(guard_);
     catalogue_.CreateSystemTables();
-    BeginSnapshot("");
-    EndSnapshot();
-  } catch (const DatabaseError& error) {
-    throw DatabaseError(error.Message(), "");  // the statement is ours and would only confuse
   }
+  // Opening reports what is wrong with the file; it must not hold a lock from then on.
+  BeginSnapshot("");
+  EndSnapshot();
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Select(const std::string& sql) {
@@ -328,7 +326,11 @@ std::string SqliteDatabase::Parameter(std::string_view id, std::string_view abse
 }  // namespace
 
 std::shared_ptr<Database> OpenSqliteDatabase(const std::string& file, SqliteOptions options) {
-  return std::make_shared<SqliteDatabase>(file, std::move(options));
+  try {
+    return std::make_shared<SqliteDatabase>(file, std::move(options));
+  } catch (const DatabaseError& error) {
+    throw DatabaseError(error.Message(), "");  // the statement is one of ours and would only confuse
+  }
 }
 
 }  // namespace excelexp

@@ -20,11 +20,11 @@ struct SqliteOptions {
   std::size_t max_result_bytes = 2u << 30;
   /// Asked every few thousand steps of a running statement and while a lock is waited for; true stops the
   /// statement with a DatabaseError.
-  std::function<bool()> cancelled;
+  std::function<bool()> cancelled = {};
   /// What NOW() answers, one moment per statement; the local time of the system when empty.
-  std::function<DateTime()> now;
+  std::function<DateTime()> now = {};
   /// Told every statement that failed, with the database's message (the --trace file).
-  std::function<void(const std::string& sql, const std::string& message)> on_failure;
+  std::function<void(const std::string& sql, const std::string& message)> on_failure = {};
 };
 
 /// Opens the file read-only: nothing that arrives as SQL can write to it, attach another file or run without

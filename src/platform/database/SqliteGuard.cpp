@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <vector>
 
-#include "platform/database/DatabaseError.h"
 #include "platform/database/Names.h"
 #include "platform/database/SqlTokens.h"
+#include "platform/database/SqliteConnection.h"
 
 namespace excelexp {
 namespace {
@@ -75,29 +74,27 @@ bool AsksClock(std::string_view sql) {
 
 }  // namespace
 
-SqliteGuard::SqliteGuard(sqlite3* handle) {
+SqliteGuard::SqliteGuard(const SqliteConnection& connection) {
+  sqlite3* const handle = connection.Handle();
   for (const Limit& limit : kLimits) sqlite3_limit(handle, limit.id, limit.value);
   for (const Setting& setting : kSettings) sqlite3_db_config(handle, setting.id, setting.value, nullptr);
-  ReadFunctions(handle);
+  ReadFunctions(connection);
   sqlite3_set_authorizer(handle, &Authorize, this);
 }
 
 // Functions that SQLite itself marks as harmless, or as depending on nothing but their arguments, and that
 // may be called from anywhere.
-void SqliteGuard::ReadFunctions(sqlite3* handle) {
+void SqliteGuard::ReadFunctions(const SqliteConnection& connection) {
+  constexpr char kSql[] = "SELECT name, flags FROM pragma_function_list";
   constexpr int kHarmless = SQLITE_INNOCUOUS | SQLITE_DETERMINISTIC;
-  const auto read = [](void* self, int, char** values, char**) {
-    auto& guard = *static_cast<SqliteGuard*>(self);
-    const std::string name = FoldName(values[0]);
-    const int flags = std::atoi(values[1]);
-    guard.functions_.insert(name);
+  const SqliteStatement rows = connection.Prepare(kSql, kSql);
+  while (connection.Step(rows.get(), kSql)) {
+    const std::string name = FoldName(reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), 0)));
+    const int flags = sqlite3_column_int(rows.get(), 1);
+    functions_.insert(name);
     if ((flags & kHarmless) != 0 && (flags & SQLITE_DIRECTONLY) == 0 && !Contains(kForbidden, name))
-      guard.allowed_.insert(name);
-    return 0;
-  };
-  constexpr const char* kSql = "SELECT name, flags FROM pragma_function_list";
-  if (sqlite3_exec(handle, kSql, read, this, nullptr) != SQLITE_OK)
-    throw DatabaseError(sqlite3_errmsg(handle), kSql);
+      allowed_.insert(name);
+  }
 }
 
 StatementTraits SqliteGuard::Traits(std::string_view sql) const {

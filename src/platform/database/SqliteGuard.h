@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-struct sqlite3;
-
 namespace excelexp {
+
+class SqliteConnection;
 
 /// What the guard saw while a statement was compiled.
 struct StatementTraits {
@@ -20,7 +20,7 @@ struct StatementTraits {
 class SqliteGuard {
  public:
   /// Lives as long as the connection.
-  explicit SqliteGuard(sqlite3* handle);
+  explicit SqliteGuard(const SqliteConnection& connection);
   SqliteGuard(const SqliteGuard&) = delete;
   SqliteGuard& operator=(const SqliteGuard&) = delete;
 
@@ -54,7 +54,7 @@ class SqliteGuard {
                        const char* view);
   bool MayCall(const char* name, bool in_view);
   bool MayRead(const char* table);
-  void ReadFunctions(sqlite3* handle);
+  void ReadFunctions(const SqliteConnection& connection);
 
   int passes_ = 0;
   StatementTraits traits_;
