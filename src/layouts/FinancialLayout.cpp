@@ -133,9 +133,9 @@ bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::st
   return true;
 }
 
-bool FinancialLayout::OpenAllItems(const std::string& grouping, ItemKinds kinds, std::string_view where) {
+bool FinancialLayout::OpenAllItems(const std::string& grouping, std::string_view where) {
   try {
-    AllFormulaQry.SetSql(AllItemsSql(grouping, kinds));
+    AllFormulaQry.SetSql(AllItemsSql(grouping));
     AllFormulaQry.Open();
     return true;
   } catch (...) {
@@ -150,8 +150,7 @@ void FinancialLayout::WarnNoItems(const std::string& grouping, std::string_view 
 void FinancialLayout::PrintEntityField(const std::string& grouping, const std::string& component, int row,
                                        int column) {
   core_->CalcFields->Search(grouping, component, 1, nullptr);
-  cells_.FieldType().Output(GetCellName(row, column), core_->CalcFields->GetFieldType(), component,
-                            core_->CurEmpCoyBasisQry.get(), row, column);
+  cells_.WriteField(core_->CalcFields->GetFieldType(), component, *core_->CurEmpCoyBasisQry, row, column);
 }
 
 void FinancialLayout::PrintValue(bool found, const ValueColumn& value, int row, int column) {

@@ -78,7 +78,7 @@ class FinancialLayout : public ReportLayout {
   bool ReadValueColumn(const std::string& grouping, const std::string& component, std::string_view where,
                        ValueColumn& value, std::string_view map_column = "AnlysMapField");
   /// Lists the items of an "<ALL>" item in AllFormulaQry.
-  bool OpenAllItems(const std::string& grouping, ItemKinds kinds, std::string_view where);
+  bool OpenAllItems(const std::string& grouping, std::string_view where);
   /// The warning for an "<ALL>" item without items; `prefix` is "Warning " or "Warning Acc".
   void WarnNoItems(const std::string& grouping, std::string_view prefix = "Warning ");
 

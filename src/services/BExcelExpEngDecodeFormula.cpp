@@ -136,7 +136,7 @@ bool BExcelExpEngDecodeFormula::CountTo(const Items& items, int order, Query& ex
 
 bool BExcelExpEngDecodeFormula::CountAllItems(const std::string& grouping, Query& expansion, int& count) {
   try {
-    expansion.SetSql(AllItemsSql(grouping, ItemKinds::kPayAndTimesheet));
+    expansion.SetSql(AllItemsSql(grouping));
     expansion.Open();
   } catch (...) {
     core_->WriteErrorEntry(std::string(kWhere) + "Error in AllFormulaQry Query");

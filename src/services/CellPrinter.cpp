@@ -117,4 +117,13 @@ void CellPrinter::WriteAnalysisValue(const Query& records, const std::string& co
   }
 }
 
+void CellPrinter::WriteField(const std::string& type, const std::string& field, const Query& source, int row,
+                             int column) {
+  RequireColumn(column);
+  const std::string cell = GetCellName(row, column);
+  if (field_type_.Output(cell, type, field, &source, row, column) != 0) return;
+  core_->WriteUserEntry("Warning: " + field + " cannot be shown in cell " + cell + " of worksheet " +
+                        core_->ExcelWorksheetName + ".");
+}
+
 }  // namespace excelexp

@@ -53,6 +53,11 @@ class CellPrinter {
   void WriteAnalysisValue(const Query& records, const std::string& column, std::string_view type, int row,
                           int col, const ValueStyle& style);
 
+  /// Writes a field of the query's current row by its column type. A value that cannot be read leaves the
+  /// cell empty and the user a warning that names field and cell.
+  void WriteField(const std::string& type, const std::string& field, const Query& source, int row,
+                  int column);
+
   BExcelExpEngFieldType& FieldType() { return field_type_; }
 
  private:
