@@ -62,8 +62,9 @@ void ForEachCell(const CellRange& range, const Action& action) {
 }
 
 void ChangeFormat(const Target& target, const FormatChange& change) {
-  FormatId from = 0;
-  FormatId to = target.workbook.ChangedFormat(from, change);
+  // The cells of a block most often have the same format.
+  FormatId from = UINT32_MAX;
+  FormatId to = 0;
   ForEachCell(target.range, [&](int row, int column) {
     Cell& cell = target.sheet.At(row, column);
     if (cell.format != from) {
