@@ -2,10 +2,55 @@
 
 #include <gsf/gsf.h>
 
+#include <algorithm>
+#include <new>
+
 #include "platform/spreadsheet/SpreadsheetError.h"
 
 namespace excelexp::xls {
 namespace {
+
+/// A libgsf output that writes into a string. libgsf's own memory output keeps its bytes in a block that has
+/// to be copied, and then the file is in memory twice.
+struct StringSink {
+  GsfOutput base;
+  std::string* bytes;
+};
+
+gboolean WriteToString(GsfOutput* output, std::size_t count, const guint8* data) {
+  std::string& bytes = *reinterpret_cast<StringSink*>(output)->bytes;
+  const auto offset = static_cast<std::size_t>(output->cur_offset);
+  const std::string_view added(reinterpret_cast<const char*>(data), count);
+  try {
+    if (offset == bytes.size()) {
+      bytes.append(added);
+    } else {
+      bytes.resize(std::max(bytes.size(), offset + count));
+      std::copy(added.begin(), added.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+    return TRUE;
+  } catch (const std::bad_alloc&) {
+    return FALSE;  // no exception may pass through libgsf
+  }
+}
+
+void InitialiseClass(gpointer klass, gpointer /*data*/) {
+  auto* const output_class = static_cast<GsfOutputClass*>(klass);
+  output_class->Close = [](GsfOutput*) -> gboolean { return TRUE; };
+  output_class->Seek = [](GsfOutput*, gsf_off_t, GSeekType) -> gboolean { return TRUE; };
+  output_class->Write = WriteToString;
+}
+
+GsfOutput* NewStringSink(std::string& bytes) {
+  static const GType type = [] {
+    gsf_init();
+    return g_type_register_static_simple(gsf_output_get_type(), "ExcelexpStringSink", sizeof(GsfOutputClass),
+                                         InitialiseClass, sizeof(StringSink), nullptr, GTypeFlags{});
+  }();
+  auto* const sink = static_cast<StringSink*>(g_object_new(type, nullptr));
+  sink->bytes = &bytes;
+  return &sink->base;
+}
 
 struct Unref {
   void operator()(gpointer object) const { g_object_unref(object); }
@@ -24,17 +69,12 @@ void Append(GsfOutput* output, std::string_view bytes) {
   Check(gsf_output_write(output, bytes.size(), reinterpret_cast<const guint8*>(bytes.data())), output);
 }
 
-GsfOutput* NewMemory() {
-  static const bool initialised = (gsf_init(), true);
-  static_cast<void>(initialised);
-  return gsf_output_memory_new();
-}
-
 }  // namespace
 
 struct XlsContainer::Impl {
-  Owned<GsfOutput> memory{NewMemory()};
-  Owned<GsfOutfile> file{gsf_outfile_msole_new(memory.get())};
+  std::string bytes;
+  Owned<GsfOutput> sink{NewStringSink(bytes)};
+  Owned<GsfOutfile> file{gsf_outfile_msole_new(sink.get())};
   Owned<GsfOutput> workbook{gsf_outfile_new_child(file.get(), "Workbook", FALSE)};
 
   ~Impl() {
@@ -45,7 +85,9 @@ struct XlsContainer::Impl {
   }
 };
 
-XlsContainer::XlsContainer() : impl_(std::make_unique<Impl>()) {}
+XlsContainer::XlsContainer(std::size_t expected_size) : impl_(std::make_unique<Impl>()) {
+  impl_->bytes.reserve(expected_size);
+}
 
 XlsContainer::~XlsContainer() = default;
 
@@ -63,9 +105,7 @@ std::string XlsContainer::Finish(std::string_view summary_information) {
   Append(summary.get(), summary_information);
   Check(gsf_output_close(summary.get()), summary.get());
   Check(gsf_output_close(root), root);
-  GsfOutput* const memory = impl_->memory.get();
-  const guint8* const bytes = gsf_output_memory_get_bytes(GSF_OUTPUT_MEMORY(memory));
-  return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(gsf_output_size(memory))};
+  return std::move(impl_->bytes);
 }
 
 }  // namespace excelexp::xls

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,7 +11,8 @@ namespace excelexp::xls {
 /// SpreadsheetError when it fails.
 class XlsContainer {
  public:
-  XlsContainer();
+  /// Takes `expected_size` bytes at once; more than enough costs address space and no memory.
+  explicit XlsContainer(std::size_t expected_size);
   ~XlsContainer();
 
   /// Writes into the stream "Workbook", at its end or over what is there.
