@@ -39,6 +39,9 @@ class BExcelExpEngine : public BExcelExpEngCore {
   /// fails.
   void ExecuteProcExcelWksheet();
 
+  /// Replaces the engine's automation wrapper by one of the host's, before ExecuteOperation.
+  void SetOwnExcelAPI(std::unique_ptr<BExcelAPI> api) { OwnExcelAPI = std::move(api); }
+
   Outcome LastOutcome() const { return outcome_; }
   /// The file that the last run wrote; "" when it wrote none.
   const std::string& SavedFileName() const { return saved_file_name_; }

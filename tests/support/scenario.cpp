@@ -1,0 +1,138 @@
+#include "support/scenario.h"
+
+#include <stdlib.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/DatabaseRegistry.h"
+#include "platform/database/SqliteDatabase.h"
+#include "platform/database/SqliteWriter.h"
+#include "platform/spreadsheet/WorkbookFile.h"
+#include "platform/spreadsheet/formula/Recalculate.h"
+
+namespace excelexp {
+namespace {
+
+std::string ReadFile(const std::string& file) {
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
+}
+
+/// Keeps what is saved for the test to look at.
+class RecordingExcelAPI final : public BExcelAPI {
+ public:
+  RecordingExcelAPI(Handle& saved, bool save) : saved_(saved), save_(save) {}
+
+  void SaveWorkbook(const Handle& workbook, const std::string& file_name, bool ask) override {
+    if (save_) {
+      BExcelAPI::SaveWorkbook(workbook, file_name, ask);
+    } else {
+      formula::Recalculate(*workbook.Get(), ParseDateTime("2024-03-05 14:05:09"));
+      CheckWorkbook(*workbook.Get(), WorkbookFormatFor(file_name));
+    }
+    saved_ = workbook;
+  }
+
+ private:
+  Handle& saved_;
+  bool save_;
+};
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "excelexp-test-XXXXXX").string();
+  if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  path_ = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code error;
+  std::filesystem::remove_all(path_, error);
+}
+
+std::string ScenarioRun::Grid(std::string_view sheet, GridOptions options) const {
+  const Sheet* found = workbook.IsEmpty() ? nullptr : workbook.Get()->FindSheet(sheet);
+  if (found == nullptr) {
+    ADD_FAILURE() << "no sheet " << sheet << "; internal log:\n" << Lines(internal_log);
+    return "";
+  }
+  return DumpSheet(*workbook.Get(), *found, options);
+}
+
+std::string ScenarioRun::Lines(const std::vector<std::string>& log) {
+  std::string lines;
+  for (std::size_t i = 0; i < log.size(); ++i) {
+    const bool framed = i > 0 && i + 1 < log.size() && log[i].size() == 48 && log[i] != std::string(48, '*') &&
+                        (log[i - 1] == std::string(48, ' ') || log[i + 1] == std::string(48, ' '));
+    const bool rule = log[i] == std::string(48, '*') || log[i].find_first_not_of(' ') == std::string::npos;
+    if (!framed && !rule) lines += log[i] + "\n";
+  }
+  return lines;
+}
+
+/// Passes statements on to the real database, except those that a test wants to fail.
+class Scenario::FailingDatabase final : public Database {
+ public:
+  explicit FailingDatabase(std::shared_ptr<Database> real) : real_(std::move(real)) {}
+
+  std::shared_ptr<const ResultSet> Select(const std::string& sql) override {
+    if (nth > 0 && sql.find(part) != std::string::npos && ++seen_ >= nth) throw DatabaseError("switched to fail", sql);
+    return real_->Select(sql);
+  }
+  std::string ColumnType(std::string_view table, std::string_view column) override {
+    return real_->ColumnType(table, column);
+  }
+  std::string Country() override { return real_->Country(); }
+  std::string DateFormat() override { return real_->DateFormat(); }
+  void NoteWrite() override { real_->NoteWrite(); }
+
+  void Arm(std::string text, int count) {
+    part = std::move(text);
+    nth = count;
+    seen_ = 0;
+  }
+
+ private:
+  std::shared_ptr<Database> real_;
+  std::string part;
+  int nth = 0;
+  int seen_ = 0;
+};
+
+Scenario::Scenario(const std::string& sql) {
+  SqliteWriter writer(DatabaseFile(), SqliteWriter::Mode::kCreate);
+  writer.ExecuteScript(ReadFile(EXCELEXP_SOURCE_DIR "/demo/schema.sql"));
+  if (!sql.empty()) writer.ExecuteScript(sql);
+  database_ = std::make_shared<FailingDatabase>(OpenSqliteDatabase(DatabaseFile()));
+  DatabaseRegistry::Register(std::string(kPayrollDatabaseName), database_);
+  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+}
+
+Scenario::~Scenario() { DatabaseRegistry::Remove(kPayrollDatabaseName); }
+
+void Scenario::Execute(const std::string& sql) { SqliteWriter(DatabaseFile()).ExecuteScript(sql); }
+
+void Scenario::FailStatement(std::string part, int nth) { database_->Arm(std::move(part), nth); }
+
+ScenarioRun Scenario::Run(const std::string& spreadsheet_id, bool save) {
+  ScenarioRun run;
+  MemoryLineSink user_log;
+  MemoryLineSink internal_log;
+  const FixedViewTable view("10.1.2.3", "ViewEmployee");
+  BExcelExpEngine engine(spreadsheet_id, &view, std::string(kPayrollDatabaseName));
+  engine.SetHost(host_.get());
+  engine.SetLogMemo(&user_log);
+  engine.SetInternalMemo(&internal_log);
+  engine.SetOwnExcelAPI(std::make_unique<RecordingExcelAPI>(run.workbook, save));
+  run.result = engine.ExecuteOperation();
+  run.outcome = engine.LastOutcome();
+  run.user_log = user_log.Lines();
+  run.internal_log = internal_log.Lines();
+  return run;
+}
+
+}  // namespace excelexp

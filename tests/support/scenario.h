@@ -1,0 +1,100 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/BExcelExpEngine.h"
+#include "platform/host/BatchHost.h"
+#include "platform/host/LineSinks.h"
+#include "platform/spreadsheet/SheetGrid.h"
+
+namespace excelexp {
+
+/// A folder of its own below the system's temporary folder, removed with everything in it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  std::string File(const std::string& name) const { return (path_ / name).string(); }
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// A host whose clock stands still at 5 March 2024 14:05:09 and who answers the dialogs as a test says.
+class ScenarioHost : public BatchHost {
+ public:
+  using BatchHost::BatchHost;
+
+  std::optional<std::string> AskSaveFile(const std::string& name) override {
+    proposed.push_back(name);
+    return cancel_dialog ? std::nullopt : BatchHost::AskSaveFile(name);
+  }
+  void ShowInformation(const std::string& text) override { shown.push_back(text); }
+  DateTime Now() override { return now; }
+  bool OnProgress(const Progress& progress) override { return !on_progress || on_progress(progress); }
+  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request, const std::string& database,
+                                                        bool interactive) override {
+    requests.push_back(request);
+    return make_analysis ? make_analysis(request) : BatchHost::CreateAnalysisRptEng(request, database, interactive);
+  }
+
+  DateTime now = ParseDateTime("2024-03-05 14:05:09");
+  bool cancel_dialog = false;
+  std::function<bool(const Progress&)> on_progress;
+  std::function<std::unique_ptr<BAnalysisRptEng>(const AnlysProjectStructure&)> make_analysis;
+
+  std::vector<std::string> proposed;             ///< by the save dialog
+  std::vector<std::string> shown;                ///< message boxes
+  std::vector<AnlysProjectStructure> requests;   ///< to the analysis engine
+};
+
+/// What a run left.
+struct ScenarioRun {
+  int result = -99;
+  Outcome outcome = Outcome::kNotRun;
+  std::vector<std::string> user_log;
+  std::vector<std::string> internal_log;
+  Handle workbook;  ///< as it was saved; empty when nothing was
+  /// A sheet as a grid; a test failure and "" when there is no such sheet.
+  std::string Grid(std::string_view sheet, GridOptions options = {}) const;
+  /// The lines of a log that are not banners or empty, joined by line feeds.
+  static std::string Lines(const std::vector<std::string>& log);
+};
+
+/// A payroll database of the real schema in a file of its own, registered as "varndb", and runs of the engine on it.
+class Scenario {
+ public:
+  /// The SQL text adds definitions and records to the empty database.
+  explicit Scenario(const std::string& sql = "");
+  ~Scenario();
+
+  void Execute(const std::string& sql);
+  /// Runs the engine; nothing is written to the disk unless `save` is set.
+  ScenarioRun Run(const std::string& spreadsheet_id, bool save = false);
+
+  ScenarioHost& Host() { return *host_; }
+  std::string DatabaseFile() const { return folder_.File("payroll.db"); }
+  std::string OutputFile() const { return folder_.File("out.xls"); }
+  const TemporaryFolder& Folder() const { return folder_; }
+
+  /// From this many-th statement that contains `part` on, statements containing it fail; 0 switches failing off.
+  void FailStatement(std::string part, int nth = 1);
+
+ private:
+  class FailingDatabase;
+
+  TemporaryFolder folder_;
+  std::shared_ptr<FailingDatabase> database_;
+  std::unique_ptr<ScenarioHost> host_;
+};
+
+}  // namespace excelexp
