@@ -66,7 +66,8 @@ std::string ScenarioRun::Grid(std::string_view sheet, GridOptions options) const
 std::string ScenarioRun::Lines(const std::vector<std::string>& log) {
   std::string lines;
   for (std::size_t i = 0; i < log.size(); ++i) {
-    const bool framed = i > 0 && i + 1 < log.size() && log[i].size() == 48 && log[i] != std::string(48, '*') &&
+    const bool framed = i > 0 && i + 1 < log.size() && log[i].size() == 48 &&
+                        log[i] != std::string(48, '*') &&
                         (log[i - 1] == std::string(48, ' ') || log[i + 1] == std::string(48, ' '));
     const bool rule = log[i] == std::string(48, '*') || log[i].find_first_not_of(' ') == std::string::npos;
     if (!framed && !rule) lines += log[i] + "\n";
@@ -80,7 +81,8 @@ class Scenario::FailingDatabase final : public Database {
   explicit FailingDatabase(std::shared_ptr<Database> real) : real_(std::move(real)) {}
 
   std::shared_ptr<const ResultSet> Select(const std::string& sql) override {
-    if (nth > 0 && sql.find(part) != std::string::npos && ++seen_ >= nth) throw DatabaseError("switched to fail", sql);
+    if (nth > 0 && sql.find(part) != std::string::npos && ++seen_ >= nth)
+      throw DatabaseError("switched to fail", sql);
     return real_->Select(sql);
   }
   std::string ColumnType(std::string_view table, std::string_view column) override {
@@ -105,18 +107,26 @@ class Scenario::FailingDatabase final : public Database {
 
 Scenario::Scenario(const std::string& sql) {
   SqliteWriter writer(DatabaseFile(), SqliteWriter::Mode::kCreate);
-  writer.ExecuteScript(ReadFile(EXCELEXP_SOURCE_DIR "/demo/schema.sql"));
-  if (!sql.empty()) writer.ExecuteScript(sql);
+  writer.Transaction([&] {
+    writer.ExecuteScript(ReadFile(EXCELEXP_SOURCE_DIR "/demo/schema.sql"));
+    writer.ExecuteScript(sql);
+  });
   database_ = std::make_shared<FailingDatabase>(OpenSqliteDatabase(DatabaseFile()));
   DatabaseRegistry::Register(std::string(kPayrollDatabaseName), database_);
   host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
 }
 
-Scenario::~Scenario() { DatabaseRegistry::Remove(kPayrollDatabaseName); }
+Scenario::~Scenario() {
+  DatabaseRegistry::Remove(kPayrollDatabaseName);
+}
 
-void Scenario::Execute(const std::string& sql) { SqliteWriter(DatabaseFile()).ExecuteScript(sql); }
+void Scenario::Execute(const std::string& sql) {
+  SqliteWriter(DatabaseFile()).ExecuteScript(sql);
+}
 
-void Scenario::FailStatement(std::string part, int nth) { database_->Arm(std::move(part), nth); }
+void Scenario::FailStatement(std::string part, int nth) {
+  database_->Arm(std::move(part), nth);
+}
 
 ScenarioRun Scenario::Run(const std::string& spreadsheet_id, bool save) {
   ScenarioRun run;

@@ -41,10 +41,12 @@ class ScenarioHost : public BatchHost {
   void ShowInformation(const std::string& text) override { shown.push_back(text); }
   DateTime Now() override { return now; }
   bool OnProgress(const Progress& progress) override { return !on_progress || on_progress(progress); }
-  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request, const std::string& database,
+  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
+                                                        const std::string& database,
                                                         bool interactive) override {
     requests.push_back(request);
-    return make_analysis ? make_analysis(request) : BatchHost::CreateAnalysisRptEng(request, database, interactive);
+    return make_analysis ? make_analysis(request)
+                         : BatchHost::CreateAnalysisRptEng(request, database, interactive);
   }
 
   DateTime now = ParseDateTime("2024-03-05 14:05:09");
@@ -52,9 +54,9 @@ class ScenarioHost : public BatchHost {
   std::function<bool(const Progress&)> on_progress;
   std::function<std::unique_ptr<BAnalysisRptEng>(const AnlysProjectStructure&)> make_analysis;
 
-  std::vector<std::string> proposed;             ///< by the save dialog
-  std::vector<std::string> shown;                ///< message boxes
-  std::vector<AnlysProjectStructure> requests;   ///< to the analysis engine
+  std::vector<std::string> proposed;            ///< by the save dialog
+  std::vector<std::string> shown;               ///< message boxes
+  std::vector<AnlysProjectStructure> requests;  ///< to the analysis engine
 };
 
 /// What a run left.
@@ -70,7 +72,8 @@ struct ScenarioRun {
   static std::string Lines(const std::vector<std::string>& log);
 };
 
-/// A payroll database of the real schema in a file of its own, registered as "varndb", and runs of the engine on it.
+/// A payroll database of the real schema in a file of its own, registered as "varndb", and runs of the engine
+/// on it.
 class Scenario {
  public:
   /// The SQL text adds definitions and records to the empty database.
@@ -86,7 +89,8 @@ class Scenario {
   std::string OutputFile() const { return folder_.File("out.xls"); }
   const TemporaryFolder& Folder() const { return folder_; }
 
-  /// From this many-th statement that contains `part` on, statements containing it fail; 0 switches failing off.
+  /// From this many-th statement that contains `part` on, statements containing it fail; 0 switches failing
+  /// off.
   void FailStatement(std::string part, int nth = 1);
 
  private:
