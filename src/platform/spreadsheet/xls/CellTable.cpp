@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
+#include <string_view>
 
+#include "platform/spreadsheet/Utf8.h"
+#include "platform/spreadsheet/WorkbookFile.h"
 #include "platform/spreadsheet/xls/CellRecords.h"
 #include "platform/spreadsheet/xls/RecordTypes.h"
 
@@ -14,6 +16,7 @@ namespace {
 constexpr std::uint32_t kRowsInBlock = 32;
 constexpr std::size_t kRowRecordSize = 20;
 constexpr std::uint32_t kTwipsPerPoint = 20;
+constexpr double kDefaultColumnWidth = 8.43;  // characters
 
 bool HasRecord(const Cell& cell) {
   return cell.type != CellType::kEmpty || cell.format != 0;
@@ -118,12 +121,28 @@ void CellTable::WriteRow(RecordStream& stream, std::uint32_t row, const Extent& 
 }
 
 std::uint16_t CellTable::FittingHeight(std::uint32_t row, const Extent& extent) const {
-  std::uint16_t height = XlsStyles::kDefaultHeight;
-  if (extent.IsEmpty()) return height;
-  for (const Cell& cell : sheet_.Row(static_cast<int>(row) + 1)) {
-    height = std::max(height, parts_.styles.FittingHeight(cell.format));
+  std::uint32_t height = XlsStyles::kDefaultHeight;
+  for (std::uint32_t column = extent.first; column < extent.end; ++column) {
+    const Cell& cell = sheet_.Row(static_cast<int>(row) + 1)[column];
+    height = std::max(height, Lines(cell, column) * parts_.styles.FittingHeight(cell.format));
   }
-  return height;
+  constexpr std::uint32_t kMaxHeight = static_cast<std::uint32_t>(kMaxRowHeight) * kTwipsPerPoint;
+  return static_cast<std::uint16_t>(std::min(height, kMaxHeight));
+}
+
+std::uint32_t CellTable::Lines(const Cell& cell, std::uint32_t column) const {
+  if (cell.type != CellType::kText || !parts_.workbook.Format(cell.format).word_wrap) return 1;
+  const int number = static_cast<int>(column) + 1;
+  const double width = sheet_.ColumnWidth(number) > 0 ? sheet_.ColumnWidth(number) : kDefaultColumnWidth;
+  std::string_view text = parts_.workbook.Text(cell.text);
+  std::uint32_t lines = 0;
+  for (std::size_t end = 0; end != std::string_view::npos;) {
+    end = text.find('\n');
+    const auto units = static_cast<double>(MeasureUtf16(text.substr(0, end)).units);
+    lines += std::max(1U, static_cast<std::uint32_t>(std::ceil(units / width)));
+    if (end != std::string_view::npos) text.remove_prefix(end + 1);
+  }
+  return lines;
 }
 
 void CellTable::WriteCells(RecordStream& stream, std::uint32_t row, const Extent& extent) const {

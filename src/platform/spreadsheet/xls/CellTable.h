@@ -35,7 +35,11 @@ class CellTable {
   Extent RowExtent(std::uint32_t row) const;
   bool HasRow(std::uint32_t row, const Extent& extent) const;
   void WriteRow(RecordStream& stream, std::uint32_t row, const Extent& extent) const;
+  /// Twips for the highest cell of a row that was given no height: the application does not fit rows of .xls
+  /// files when it loads them.
   std::uint16_t FittingHeight(std::uint32_t row, const Extent& extent) const;
+  /// How many lines a wrapped text takes, at one digit's width a character.
+  std::uint32_t Lines(const Cell& cell, std::uint32_t column) const;
   void WriteCells(RecordStream& stream, std::uint32_t row, const Extent& extent) const;
 
   const XlsParts& parts_;
