@@ -2,7 +2,11 @@
 
 #include <array>
 
+#include "layouts/BExcelExpEngAccumulatedListRpt.h"
 #include "layouts/BExcelExpEngBreakdownListRpt.h"
+#include "layouts/BExcelExpEngLeaveListDateRpt.h"
+#include "layouts/BExcelExpEngLeaveListPeriodRpt.h"
+#include "layouts/BExcelExpEngMovementListRpt.h"
 #include "layouts/BExcelExpEngPayReconRpt.h"
 #include "layouts/BExcelExpEngStatisticsRpt.h"
 #include "layouts/BExcelExpEngVarianceRpt.h"
@@ -15,24 +19,74 @@ std::unique_ptr<ReportLayout> Make(BExcelExpEngCore* core) {
   return std::make_unique<Layout>(core);
 }
 
-constexpr std::array<LayoutRow, 4> kFinancial = {{
-    {"BreakdownList", AsOfDate::kAny, "ExecuteProcBreakdownListRpt",
-     "       BREAKDOWN LISTING REPORT PROCESSING      ", "Breakdown Listing Report",
-     Make<BExcelExpEngBreakdownListRpt>},
-    {"Statistics", AsOfDate::kAny, "ExecuteProcStatisticsRpt",
-     "           STATISTICS REPORT PROCESSING         ", "Statistics Report",
-     Make<BExcelExpEngStatisticsRpt>},
-    {"Variance", AsOfDate::kAny, "ExecuteProcVarianceRpt", "            VARIANCE REPORT PROCESSING          ",
-     "Variance Report", Make<BExcelExpEngVarianceRpt>},
-    {"PayReconciliation", AsOfDate::kAny, "ExecuteProcPayReconRpt",
-     "       PAY RECONCILIATION REPORT PROCESSING     ", "Pay Reconciliation Report",
-     Make<BExcelExpEngPayReconRpt>},
-}};
+constexpr LayoutRow kBreakdown = {"BreakdownList",
+                                  AsOfDate::kAny,
+                                  "ExecuteProcBreakdownListRpt",
+                                  "       BREAKDOWN LISTING REPORT PROCESSING      ",
+                                  "Breakdown Listing Report",
+                                  Make<BExcelExpEngBreakdownListRpt>};
+constexpr LayoutRow kAccumulated = {"AccumulateList",
+                                    AsOfDate::kAny,
+                                    "ExecuteProcAccumulatedListRpt",
+                                    "       ACCUMULATED LISTING REPORT PROCESSING    ",
+                                    "Accumulated Listing Report",
+                                    Make<BExcelExpEngAccumulatedListRpt>};
+constexpr LayoutRow kStatistics = {"Statistics",
+                                   AsOfDate::kAny,
+                                   "ExecuteProcStatisticsRpt",
+                                   "           STATISTICS REPORT PROCESSING         ",
+                                   "Statistics Report",
+                                   Make<BExcelExpEngStatisticsRpt>};
+constexpr LayoutRow kVariance = {"Variance",
+                                 AsOfDate::kAny,
+                                 "ExecuteProcVarianceRpt",
+                                 "            VARIANCE REPORT PROCESSING          ",
+                                 "Variance Report",
+                                 Make<BExcelExpEngVarianceRpt>};
+constexpr LayoutRow kMovement = {"MovementList",
+                                 AsOfDate::kAny,
+                                 "ExecuteProcMovementListRpt",
+                                 "    STAFF MOVEMENT LISTING REPORT PROCESSING    ",
+                                 "Staff Movement Listing Report",
+                                 Make<BExcelExpEngMovementListRpt>};
+constexpr LayoutRow kPayReconciliation = {
+    "PayReconciliation",         AsOfDate::kAny,
+    "ExecuteProcPayReconRpt",    "       PAY RECONCILIATION REPORT PROCESSING     ",
+    "Pay Reconciliation Report", Make<BExcelExpEngPayReconRpt>};
+
+// The leave listings' title has 44 characters.
+constexpr std::string_view kLeaveBanner = "       LEAVE LISTING REPORT PROCESSING      ";
+constexpr LayoutRow kLeavePeriod = {"LeaveList",
+                                    AsOfDate::kNo,
+                                    "ExecuteProcLeaveListPeriodRpt",
+                                    kLeaveBanner,
+                                    "Leave Listing Report (Pay Period)",
+                                    Make<BExcelExpEngLeaveListPeriodRpt>};
+constexpr LayoutRow LeaveDate(std::string_view report) {
+  return {"LeaveList",  AsOfDate::kYes, "ExecuteProcLeaveListDateRpt",
+          kLeaveBanner, report,         Make<BExcelExpEngLeaveListDateRpt>};
+}
+
+constexpr std::array<LayoutRow, 8> kFinancialFrame = {kBreakdown,
+                                                      kAccumulated,
+                                                      kStatistics,
+                                                      kVariance,
+                                                      kMovement,
+                                                      kLeavePeriod,
+                                                      LeaveDate("Leave Listing Report (As Of Date)"),
+                                                      kPayReconciliation};
+
+constexpr std::array<LayoutRow, 6> kEmployeeFrame = {
+    kBreakdown, kAccumulated, kStatistics, kVariance, kLeavePeriod, LeaveDate("Leave Listing Report (Date)")};
 
 }  // namespace
 
 std::span<const LayoutRow> FinancialFrameLayouts() {
-  return kFinancial;
+  return kFinancialFrame;
+}
+
+std::span<const LayoutRow> EmployeeFrameLayouts() {
+  return kEmployeeFrame;
 }
 
 std::span<const LayoutRow> InformationLayouts(std::string_view /*report_type*/) {

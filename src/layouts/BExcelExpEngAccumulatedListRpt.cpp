@@ -1,0 +1,225 @@
+#include "layouts/BExcelExpEngAccumulatedListRpt.h"
+
+#include <algorithm>
+#include <array>
+
+#include "engine/DefinitionTables.h"
+#include "platform/database/SqlText.h"
+#include "services/BankPayments.h"
+#include "services/PeriodTexts.h"
+
+namespace excelexp {
+namespace {
+
+constexpr FinancialTraits kTraits = {.class_name = "BExcelExpEngAccumulatedListRpt",
+                                     .records = EntityRecords::kAllBelowCompany};
+
+constexpr std::array<std::string_view, 1> kComponents = {"PaySystem"};
+
+constexpr ColumnWalk kWalk = {.operation = "PrintFinancialData",
+                              .banner = "     PRINT FINANCIAL INFORMATION PROCESSING     ",
+                              .bank = BankRule::kCategory,
+                              .component_groupings = kComponents,
+                              .formats_formulas = false};
+
+/// Components of which a sum over periods means nothing.
+constexpr std::array<std::string_view, 7> kNonAdditive = {
+    "FormulaOTRate",         "FormulaShiftRate",       "AnlLveBroughtForward", "AnlCurrLveEntitlement",
+    "SickLveBroughtForward", "SickCurrLveEntitlement", "PayHeadCount"};
+
+/// The sub groupings under which a range without a pay record basis stands for all of them, and where these
+/// are listed.
+struct AllBases {
+  std::string_view sub_grouping;
+  std::string_view sql;
+  std::string_view column;
+  std::string_view name;  ///< in messages
+};
+
+constexpr std::array<AllBases, 2> kAllBases = {{
+    {"SubGrpPayRecType", "SELECT * FROM KeyWord WHERE KeywordCategory = 'Pay Rec Type'", "KeyWordId",
+     "Keyword"},
+    {"SubGrpPayRecId", "SELECT DISTINCT PayRecId FROM PayRecord", "PayRecId", "Pay Record ID"},
+}};
+
+const AllBases* FindAllBases(std::string_view sub_grouping) {
+  const auto* found = std::find_if(kAllBases.begin(), kAllBases.end(),
+                                   [&](const AllBases& all) { return all.sub_grouping == sub_grouping; });
+  return found == kAllBases.end() ? nullptr : found;
+}
+
+bool IsWhole(const ValueColumn& value) {
+  return value.type == "integer" || value.type == "smallint";
+}
+
+bool IsNumeric(const ValueColumn& value) {
+  return IsWhole(value) || value.type == "double" || value.type == "decimal";
+}
+
+}  // namespace
+
+BExcelExpEngAccumulatedListRpt::BExcelExpEngAccumulatedListRpt(BExcelExpEngCore* core)
+    : ListingLayout(core, kTraits), FinColAccuRangeQry(core->DatabaseName) {}
+
+bool BExcelExpEngAccumulatedListRpt::ExecuteOperation() {
+  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
+      !core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
+                        Rows::kOptional)) {
+    return false;
+  }
+  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
+  current_row_ = core_->StartPrintedRow;
+  current_col_ = core_->LastPrintedCol;
+  for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
+    if (!PrintFinancialData()) return false;
+  }
+  RaiseLastPrintedRow(current_row_);
+  SetLastPrintedCol(current_col_);
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::PrintFinancialData() {
+  core_->WriteBanner(Memo::kInternal, {kWalk.banner});
+  const bool analysis = Text(FinanceColItemQry, "FinColItemType") == item_type::kAnalysis;
+  return (!analysis || OpenRanges()) && WalkColumn(kWalk);
+}
+
+bool BExcelExpEngAccumulatedListRpt::OpenRanges() {
+  const std::string where = WalkWhere(kWalk);
+  const std::string chosen = "SELECT * FROM FinColAccumulated WHERE FinColItemSysId = " +
+                             std::to_string(FinanceColItemQry.FieldByName("FinColItemSysId").AsInteger());
+  if (!core_->OpenOrLog(FinColAccuRangeQry, chosen, where, "FinColAccuRangeQry", Rows::kOptional))
+    return false;
+  if (FinColAccuRangeQry.RowCount() > 0) return true;
+  return core_->OpenOrLog(
+      FinColAccuRangeQry,
+      "SELECT DISTINCT AnlysItemRecYear AS FinColAccuYear, AnlysItemRecPeriodMonth AS FinColAccuMthPeriod, "
+      "AnlysItemRecSubPeriod AS FinColAccuSubPeriod, AnlysPayRecBasis AS FinColAccuPayRecIdType FROM "
+      "AnlysItemRecord " +
+          DataCondition() +
+          " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis",
+      where, "FinColAccuRangeQry", Rows::kOptional);
+}
+
+bool BExcelExpEngAccumulatedListRpt::PrintAnalysisColumn(const ColumnWalk& walk, const std::string& title,
+                                                         const std::string& item_id,
+                                                         const std::string& item_type,
+                                                         const ValueColumn& value) {
+  const std::string cell = GetCellName(current_row_, current_col_);
+  if (FinColAccuRangeQry.RowCount() == 0) {
+    if (!PrintTitle(walk, title)) return false;
+    PrintValue(false, value, current_row_, current_col_);
+    return true;
+  }
+  if (!PrintRangeTitle(walk, title)) return false;
+  Accumulated result;
+  if (!Accumulate(item_id, item_type, value, result)) return false;
+  if (!IsNumeric(value) || result.single) {
+    PrintBankValue(result.found, value, current_row_, current_col_);
+  } else {
+    cells_.WriteNumber(current_row_, current_col_, result.sum);
+    cells_.WriteAmountFormat(cell);
+  }
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::PrintRangeTitle(const ColumnWalk& walk, const std::string& title) {
+  if (!AtFirstEntity()) return true;
+  const bool with_ranges = FinanceColItemQry.FieldByName("FinColIncAccuRange").AsInteger() != 0;
+  if (!PrintTitle(walk, with_ranges ? title + "(" + GetAccumulatedRange() + ")" : title)) return false;
+  core_->ExcelAPI->SetWordWrap(core_->ExcelWorkbook, core_->ExcelWorksheetName,
+                               GetCellName(current_row_ - 1, current_col_), true);
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::BasesOf(const std::string& basis, std::vector<std::string>& bases) {
+  const AllBases* all = basis.empty() ? FindAllBases(cycle_sub_group_by_) : nullptr;
+  if (all == nullptr) {
+    bases = {basis};
+    return true;
+  }
+  const std::string name(all->name);
+  if (!core_->ExecuteSQL(std::string(all->sql))) {
+    return Fail(WalkWhere(kWalk), "Error in getting " + name + " Information.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(WalkWhere(kWalk), "Empty " + name + " Information.");
+  for (core_->SQLQry->First(); !core_->SQLQry->Eof(); core_->SQLQry->Next()) {
+    bases.push_back(Text(*core_->SQLQry, all->column));
+  }
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::Accumulate(const std::string& item_id, const std::string& item_type,
+                                                const ValueColumn& value, Accumulated& result) {
+  const std::string component = Text(FinanceColItemQry, "FinColComponent");
+  const bool non_additive =
+      std::find(kNonAdditive.begin(), kNonAdditive.end(), component) != kNonAdditive.end();
+  for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
+    range_.year = FinColAccuRangeQry.FieldByName("FinColAccuYear").AsInteger();
+    range_.period_month = FinColAccuRangeQry.FieldByName("FinColAccuMthPeriod").AsInteger();
+    range_.sub_period = FinColAccuRangeQry.FieldByName("FinColAccuSubPeriod").AsInteger();
+    const std::string own_basis = Text(FinColAccuRangeQry, "FinColAccuPayRecIdType");
+    std::vector<std::string> bases;
+    if (!BasesOf(own_basis, bases)) return false;
+    for (const std::string& basis : bases) {
+      range_.pay_record_basis = basis;
+      if (!LocateItem(item_id, item_type)) continue;
+      result.found = true;
+      if (!IsNumeric(value)) continue;
+      const Field field = AnlysItemRecQry.FieldByName(value.column);
+      result.sum += IsWhole(value) ? field.AsInteger() : field.AsFloat();
+      const bool expanded = own_basis.empty() && FindAllBases(cycle_sub_group_by_) != nullptr;
+      if (non_additive && !expanded) {
+        result.single = true;
+        return true;
+      }
+    }
+  }
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
+  return lookup_.Locate(range_, item_id, item_type, Text(FinanceColItemQry, "FinColGrouping"));
+}
+
+std::string BExcelExpEngAccumulatedListRpt::GetAccumulatedRange() {
+  const std::string where = Where("GetAccumulatedRange");
+  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+    Fail(where, "Unable to get Analysis Project Details.");
+    return "";
+  }
+  if (core_->SQLQry->RowCount() == 0) {
+    Fail(where, "Empty Analysis Project Details.");
+    return "";
+  }
+  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  std::string text;
+  for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
+    text += (text.empty() ? "" : ", ") + RangeText();
+  }
+  return text;
+}
+
+std::string BExcelExpEngAccumulatedListRpt::RangeText() const {
+  const int year = FinColAccuRangeQry.FieldByName("FinColAccuYear").AsInteger();
+  const int period = FinColAccuRangeQry.FieldByName("FinColAccuMthPeriod").AsInteger();
+  const int sub_period = FinColAccuRangeQry.FieldByName("FinColAccuSubPeriod").AsInteger();
+  const std::string in_year = "Yr " + std::to_string(year);
+  const std::string in_period = in_year + " Pd " + std::to_string(period);
+  std::string text;
+  if (cycle_group_by_ == "CalenGrpYr" || cycle_group_by_ == "PeriodGrpYr") {
+    text = in_year;
+  } else if (cycle_group_by_ == "CalenGrpMth") {
+    text = ShortMonth(year, period) + " " + std::to_string(year);
+  } else if (cycle_group_by_ == "PeriodGrpPd") {
+    text = in_period;
+  } else if (cycle_group_by_ == "PeriodGrpSubPeriod") {
+    text = in_period + " SP " + std::to_string(sub_period);
+  }
+  if (FindAllBases(cycle_sub_group_by_) == nullptr) return text;
+  const std::string basis = Text(FinColAccuRangeQry, "FinColAccuPayRecIdType");
+  return text + " " + (basis.empty() ? "ALL" : basis);
+}
+
+}  // namespace excelexp

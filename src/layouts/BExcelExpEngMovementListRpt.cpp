@@ -1,0 +1,119 @@
+#include "layouts/BExcelExpEngMovementListRpt.h"
+
+#include <array>
+
+#include "platform/database/SqlText.h"
+#include "platform/host/Format.h"
+
+namespace excelexp {
+namespace {
+
+constexpr FinancialTraits kTraits = {
+    .class_name = "BExcelExpEngMovementListRpt",
+    .records = EntityRecords::kAlwaysAll,
+    .records_operation = "PrintPayRecInfo",
+    .lookup = {.has_pay_record_basis = false, .plain_bank = BankKey::kLookUp}};
+
+constexpr std::array<std::string_view, 5> kComponents = {"PaySystem", "BankRecord", "LeaveSystem",
+                                                         "LeaveCareerSystem", "Movement"};
+
+constexpr ColumnWalk kWalk = {.operation = "PrintFinancialData",
+                              .banner = "     PRINT FINANCIAL INFORMATION PROCESSING     ",
+                              .component_groupings = kComponents};
+
+}  // namespace
+
+BExcelExpEngMovementListRpt::BExcelExpEngMovementListRpt(BExcelExpEngCore* core)
+    : ListingLayout(core, kTraits) {
+  value_style_.integer_format = "#,0;-#,0";
+}
+
+bool BExcelExpEngMovementListRpt::ExecuteOperation() {
+  const std::string options =
+      "SELECT * FROM ExcelWSItemRptOpts WHERE WkSheetItemSysId = " + std::to_string(core_->ExcelWSItemSysId);
+  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
+      !OpenPeriods(options,
+                   "SELECT DISTINCT AnlysItemRecYear AS WSItemFromYear, AnlysItemRecPeriodMonth AS "
+                   "WSItemFromMthPeriod, "
+                   "AnlysItemRecSubPeriod AS WSItemFromSubPeriod FROM AnlysItemRecord " +
+                       DataCondition() +
+                       " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, "
+                       "AnlysPayRecBasis")) {
+    return false;
+  }
+  if (ExcelRptLayoutQry.RowCount() == 0) return FailNoPeriods();
+  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
+                        Rows::kOptional)) {
+    return false;
+  }
+  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
+  current_row_ = core_->StartPrintedRow;
+  current_col_ = core_->LastPrintedCol;
+  return PrintPayRecInfo();
+}
+
+bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
+  ExcelRptLayoutQry.First();
+  SetStartPrintedCol(current_col_);
+  if (AtFirstEntity()) {
+    current_col_ = core_->LastPrintedCol;
+    if (!PrintPayPeriodInfo()) return false;
+  }
+  for (; !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
+    current_col_ = core_->LastPrintedCol;
+    if (!PrintFinancialData()) return false;
+  }
+  RaiseLastPrintedRow(current_row_);
+  SetLastPrintedCol(current_col_);
+  return true;
+}
+
+bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
+  const std::string where = Where("PrintPayPeriodInfo");
+  core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
+  if (!cells_.OpenTitleScheme(where)) return false;
+  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+    return Fail(where, "Unable to get Analysis Project Details.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
+  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+
+  const int first_row = current_row_ - 5;
+  const int last_row = current_row_ - 2;
+  const std::string heading = HeadingText();
+  if (!heading.empty()) cells_.WriteText(first_row, current_col_, heading);
+  if (!cells_.FormatAsCurrent(GetCellName(first_row, current_col_))) return false;
+  const int last_col = current_col_ + GetNoOfMergeCells() - 1;
+  if (GetCellName(last_row, last_col).empty()) {
+    return Fail(Where("PrintColFinancialData"), "Excel worksheet is limited to 256 columns.");
+  }
+  cells_.Merge(first_row, current_col_, last_row, last_col);
+  return true;
+}
+
+std::string BExcelExpEngMovementListRpt::HeadingText() const {
+  const int year = ExcelRptLayoutQry.FieldByName("WSItemFromYear").AsInteger();
+  const int period = ExcelRptLayoutQry.FieldByName("WSItemFromMthPeriod").AsInteger();
+  const auto month = [](int of_year, int number) {
+    return FormatDateTime("mmmm yyyy", EncodeDate(of_year, number, 1));
+  };
+  if (cycle_group_by_ == "CalenGrpYr") {
+    const std::string start = period == 12 ? month(year, 1) : month(year - 1, period + 1);
+    return "Staff Movement Report for Year, from " + start + " to " + month(year, period);
+  }
+  return cycle_group_by_ == "CalenGrpMth" ? "Staff Movement Report for Month " + month(year, period) : "";
+}
+
+bool BExcelExpEngMovementListRpt::PrintFinancialData() {
+  return WalkColumns(kWalk);
+}
+
+bool BExcelExpEngMovementListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
+  PeriodKey period;
+  period.year = ExcelRptLayoutQry.FieldByName("WSItemFromYear").AsInteger();
+  period.period_month = ExcelRptLayoutQry.FieldByName("WSItemFromMthPeriod").AsInteger();
+  period.sub_period = ExcelRptLayoutQry.FieldByName("WSItemFromSubPeriod").AsInteger();
+  return lookup_.Locate(period, item_id, item_type, Text(FinanceColItemQry, "FinColGrouping"));
+}
+
+}  // namespace excelexp

@@ -1,0 +1,113 @@
+#include "layouts/LeaveLayout.h"
+
+#include <array>
+
+#include "platform/database/SqlText.h"
+
+namespace excelexp {
+namespace {
+
+constexpr std::array<std::string_view, 2> kComponents = {"LeaveSystem", "LeaveCareerSystem"};
+
+}  // namespace
+
+LeaveLayout::LeaveLayout(BExcelExpEngCore* core, const LeaveTraits& traits)
+    : ListingLayout(core, traits.financial), leave_traits_(traits) {
+  value_style_.short_midnight = true;
+}
+
+std::string LeaveLayout::LeaveWhere(std::string_view operation) const {
+  return std::string(leave_traits_.message_class) + "::" + std::string(operation);
+}
+
+bool LeaveLayout::ExecuteOperation() {
+  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
+      !OpenPeriods(ChosenPeriodsSql(), leave_traits_.derives_groups ? DataPeriodsSql() : "")) {
+    return false;
+  }
+  if (ExcelRptLayoutQry.RowCount() == 0) return FailNoPeriods();
+  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
+                        Rows::kOptional)) {
+    return false;
+  }
+  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
+  current_row_ = core_->StartPrintedRow;
+  current_col_ = core_->LastPrintedCol;
+  return PrintPayRecInfo();
+}
+
+bool LeaveLayout::PrintPayRecInfo() {
+  ExcelRptLayoutQry.First();
+  SetStartPrintedCol(current_col_);
+  if (!PrintBlockHeading()) return false;
+  for (; !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
+    current_col_ = core_->LastPrintedCol;
+    if (CheckRowDataExist()) {
+      TakeGroup();
+      if (!PrintPayPeriodInfo() || !PrintFinancialData()) return false;
+    } else if (core_->MultipleWkSheetItems && core_->StartPrintedRow == current_row_) {
+      if (!PrintEmptyFinancialData()) return false;
+    } else {
+      current_col_ += FinanceColItemQry.RowCount();
+    }
+  }
+  RaiseLastPrintedRow(current_row_);
+  SetLastPrintedCol(current_col_ + leave_traits_.period_columns);
+  return true;
+}
+
+bool LeaveLayout::CheckRowDataExist() {
+  const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
+  if (core_->ExecuteSQL("SELECT * FROM AnlysItemRecord " + DataCondition() + EntityCondition() +
+                        " AND AnlysItemRecYear = " + std::to_string(period.year) +
+                        " AND AnlysItemRecPeriodMonth = " + std::to_string(period.period_month) +
+                        " AND AnlysItemRecSubPeriod = " + std::to_string(period.sub_period) +
+                        " AND AnlysPayRecBasis = " + SqlText(period.pay_record_basis))) {
+    return core_->SQLQry->RowCount() > 0;
+  }
+  return Fail(Where("CheckRowDataExist"), "Error in checking Record Exist in AnlysItemRecord Table.");
+}
+
+bool LeaveLayout::ReadGroupTexts() {
+  const std::string where = LeaveWhere("PrintPayPeriodInfo");
+  if (!cells_.OpenTitleScheme(where)) return false;
+  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+    return Fail(where, "Unable to get Analysis Project Details.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
+  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  return true;
+}
+
+ColumnWalk LeaveLayout::WalkOf(TitleRule titles, bool blank) const {
+  return {.message_class = leave_traits_.message_class,
+          .operation = "PrintFinancialData",
+          .banner = "     PRINT FINANCIAL INFORMATION PROCESSING     ",
+          .titles = titles,
+          .expands_all = false,
+          .component_groupings = kComponents,
+          .shift = leave_traits_.period_columns,
+          .blank = blank};
+}
+
+bool LeaveLayout::PrintFinancialData() {
+  return Walk(WalkOf(TitleRule::kFirstEntityFlag, false));
+}
+
+bool LeaveLayout::PrintEmptyFinancialData() {
+  return Walk(WalkOf(TitleRule::kAlways, true));
+}
+
+bool LeaveLayout::Walk(const ColumnWalk& walk) {
+  if (!WalkColumns(walk)) return false;
+  ++current_row_;
+  core_->FirstEntity = false;
+  return true;
+}
+
+bool LeaveLayout::LocateItem(const std::string& item_id, const std::string& item_type) {
+  return lookup_.Locate(PeriodOf(ExcelRptLayoutQry), item_id, item_type,
+                        Text(FinanceColItemQry, "FinColGrouping"));
+}
+
+}  // namespace excelexp
