@@ -84,9 +84,9 @@ void WriteWorkbookRelationships(Package& package, std::size_t sheets) {
   relationships.Write(package, "xl/_rels/workbook.xml.rels");
 }
 
-std::string DefinedNames(const std::vector<formula::HiddenName>& names) {
-  if (names.empty()) return "";
-  std::string xml = "<definedNames>";
+void AppendDefinedNames(std::string& xml, const std::vector<formula::HiddenName>& names) {
+  if (names.empty()) return;
+  xml += "<definedNames>";
   for (const formula::HiddenName& name : names) {
     xml += "<definedName name=\"";
     AppendAttribute(xml, name.name);
@@ -94,7 +94,7 @@ std::string DefinedNames(const std::vector<formula::HiddenName>& names) {
     AppendText(xml, formula::Print(*name.expression, formula::NameStyle::kStored));
     xml += "</definedName>";
   }
-  return xml + "</definedNames>";
+  xml += "</definedNames>";
 }
 
 /// Readers that calculate are asked to do so when they load the file; the stored results are for the others.
@@ -111,8 +111,9 @@ void WriteWorkbookPart(Package& package, const Workbook& workbook,
     AppendAttribute(xml, sheet->Name());
     xml += "\" sheetId=\"" + id + "\" r:id=\"rId" + id + "\"/>";
   }
-  package.AddPart("xl/workbook.xml",
-                  xml + "</sheets>" + DefinedNames(names) + "<calcPr fullCalcOnLoad=\"1\"/></workbook>");
+  xml += "</sheets>";
+  AppendDefinedNames(xml, names);
+  package.AddPart("xl/workbook.xml", xml + "<calcPr fullCalcOnLoad=\"1\"/></workbook>");
 }
 
 void WriteApplicationProperties(Package& package) {
