@@ -1,0 +1,109 @@
+#!/usr/bin/env python3
+"""calc_office.py TEST_BINARY: LibreOffice Calc opens our files, recalculates them, and every cell equals what
+we stored."""
+
+import contextlib
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+
+import uno
+from com.sun.star.beans import PropertyValue
+from com.sun.star.connection import NoConnectException
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from checks import Checks, fixture_folder  # noqa: E402
+from office import compare_results, workbooks  # noqa: E402
+
+START_SECONDS = 60
+CONTENT = 1 | 2 | 4 | 16  # com.sun.star.sheet.CellFlags: VALUE, DATETIME, STRING, FORMULA
+# What Calc shows for errors that it has no common name for. 502, an invalid argument, is one error to Calc and
+# two to the format.
+ERRORS = {"Err:502": ("#NUM!", "#VALUE!"), "Err:503": ("#NUM!",), "Err:521": ("#NULL!",)}
+
+
+class CalcBook:
+    """A file that Calc has open."""
+
+    def __init__(self, document):
+        self.sheets = document.getSheets()
+        self.rows = {}
+
+    def _cell(self, sheet, row, column):
+        return self.sheets.getByName(sheet).getCellByPosition(column - 1, row - 1)
+
+    def _row(self, name, row):
+        """The values of a row at once: asking cell by cell takes minutes."""
+        if (name, row) not in self.rows:
+            sheet = self.sheets.getByName(name)
+            cursor = sheet.createCursor()
+            cursor.gotoEndOfUsedArea(False)
+            last = cursor.getRangeAddress().EndColumn
+            self.rows = {(name, row): sheet.getCellRangeByPosition(0, row - 1, last, row - 1).getDataArray()[0]}
+        return self.rows[name, row]
+
+    def value(self, sheet, row, column, ours):
+        expected_kind, expected = ours
+        value = self._row(sheet, row)[column - 1]
+        if value is None or (value == "" and self._cell(sheet, row, column).getError()):
+            shown = self._cell(sheet, row, column).getString()
+            return "error", expected if expected in ERRORS.get(shown, ()) else shown
+        if isinstance(value, str):
+            return "text", value
+        # Calc knows booleans as numbers that are shown in another way.
+        return ("boolean", bool(value)) if expected_kind == "boolean" and value in (0, 1) else ("number", value)
+
+    def formula(self, sheet, row, column):
+        return self._cell(sheet, row, column).getFormula()
+
+    def count(self, sheet):
+        ranges = self.sheets.getByName(sheet).queryContentCells(CONTENT).getRangeAddresses()
+        return sum((area.EndColumn - area.StartColumn + 1) * (area.EndRow - area.StartRow + 1) for area in ranges)
+
+
+def connect(pipe):
+    context = uno.getComponentContext()
+    resolver = context.ServiceManager.createInstance("com.sun.star.bridge.UnoUrlResolver")
+    for _ in range(10 * START_SECONDS):
+        try:
+            remote = resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
+            return remote.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", remote)
+        except NoConnectException:
+            time.sleep(0.1)
+    raise SystemExit(f"LibreOffice did not answer within {START_SECONDS} s")
+
+
+@contextlib.contextmanager
+def calc():
+    """LibreOffice with a profile of its own, so that neither settings nor a running copy matter."""
+    with tempfile.TemporaryDirectory(prefix="excelexp-calc-") as profile:
+        pipe = pathlib.Path(profile).name
+        office = subprocess.Popen(["soffice", "--headless", "--norestore", "--nologo", "--nodefault",
+                                   f"-env:UserInstallation=file://{profile}", f"--accept=pipe,name={pipe};urp;"],
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            desktop = connect(pipe)
+            yield desktop
+            with contextlib.suppress(Exception):  # the connection ends with the program
+                desktop.terminate()
+            office.wait(timeout=START_SECONDS)
+        finally:
+            office.kill()
+
+
+def main():
+    checks = Checks()
+    with fixture_folder(sys.argv[1]) as folder, calc() as desktop:
+        for path in workbooks(folder):
+            hidden = PropertyValue(Name="Hidden", Value=True)
+            document = desktop.loadComponentFromURL(path.resolve().as_uri(), "_blank", 0, (hidden,))
+            document.calculateAll()
+            compare_results(checks, path, CalcBook(document), "Calc")
+            document.close(True)
+    return checks.finish()
+
+
+if __name__ == "__main__":
+    sys.exit(main())
