@@ -226,18 +226,29 @@ ResultSetBuilder::ResultSetBuilder(std::vector<std::string> column_names)
 void ResultSetBuilder::BeginRow() {
   ResultSet& result = *result_;
   const std::size_t row = result.row_count_++ & (ResultSet::kBlockRows - 1);
-  if (row == 0) result.blocks_.emplace_back();
+  if (row == 0) {
+    result.blocks_.emplace_back();
+    block_rows_ = 0;
+  }
   ResultSet::Block& block = result.blocks_.back();
-  // Most results have few rows: the first block grows, the others are made whole.
-  if (row * width_ == block.bits.size()) {
+  if (row == block_rows_) {
+    // Most results have few rows: the first block grows, the others are made whole.
     const std::size_t rows =
         result.blocks_.size() > 1 ? ResultSet::kBlockRows : std::max<std::size_t>(4, row * 4);
-    const std::size_t cells = std::min(rows, ResultSet::kBlockRows) * width_;
-    block.bits.resize(cells);
-    block.kinds.resize(cells);
+    block_rows_ = std::min(rows, ResultSet::kBlockRows);
+    Resize(block, row, block_rows_);
   }
-  kind_ = block.kinds.data() + row * width_;
-  bits_ = block.bits.data() + row * width_;
+  kind_ = block.kinds.get() + row * width_;
+  bits_ = block.bits.get() + row * width_;
+}
+
+void ResultSetBuilder::Resize(ResultSet::Block& block, std::size_t old_rows, std::size_t new_rows) {
+  ResultSet::Block resized{std::make_unique_for_overwrite<std::uint64_t[]>(new_rows * width_),
+                           std::make_unique_for_overwrite<Kind[]>(new_rows * width_)};
+  const std::size_t cells = std::min(old_rows, new_rows) * width_;
+  std::copy_n(block.bits.get(), cells, resized.bits.get());
+  std::copy_n(block.kinds.get(), cells, resized.kinds.get());
+  block = std::move(resized);
 }
 
 void ResultSetBuilder::AddFloat(double value) {
@@ -246,9 +257,11 @@ void ResultSetBuilder::AddFloat(double value) {
 
 // Neighbouring rows repeat most of their texts (project, entity, item): a repeated one is stored once.
 void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
-  const bool has_row_above = bits_ >= result_->blocks_.back().bits.data() + width_;
-  if (has_row_above && kind_[-static_cast<std::ptrdiff_t>(width_)] == kind) {
-    const std::uint64_t above = bits_[-static_cast<std::ptrdiff_t>(width_)];
+  if (bytes.empty()) return Add(kind, 0);
+  const auto width = static_cast<std::ptrdiff_t>(width_);
+  const bool has_row_above = bits_ - result_->blocks_.back().bits.get() >= width;
+  if (has_row_above && kind_[-width] == kind) {
+    const std::uint64_t above = bits_[-width];
     if ((above & 0xffffffffu) == bytes.size() &&
         std::memcmp(result_->text_.data() + (above >> 32), bytes.data(), bytes.size()) == 0)
       return Add(kind, above);
@@ -269,11 +282,7 @@ std::shared_ptr<const ResultSet> ResultSetBuilder::Finish() {
   ResultSet& result = *result_;
   if (!result.blocks_.empty()) {
     const std::size_t rows = result.row_count_ - (result.blocks_.size() - 1) * ResultSet::kBlockRows;
-    ResultSet::Block& last = result.blocks_.back();
-    last.bits.resize(rows * width_);
-    last.bits.shrink_to_fit();
-    last.kinds.resize(rows * width_);
-    last.kinds.shrink_to_fit();
+    if (rows < block_rows_) Resize(result.blocks_.back(), rows, rows);
   }
   result.text_.shrink_to_fit();
   result.bytes_ = Bytes() + sizeof(ResultSet) + width_ * (sizeof(std::string) + sizeof(std::uint32_t));

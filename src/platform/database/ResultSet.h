@@ -65,8 +65,8 @@ class ResultSet {
   };
   // Rows in blocks: a large result grows without being copied.
   struct Block {
-    std::vector<std::uint64_t> bits;
-    std::vector<Kind> kinds;
+    std::unique_ptr<std::uint64_t[]> bits;
+    std::unique_ptr<Kind[]> kinds;
   };
   struct Index {
     std::vector<int> columns;
@@ -127,8 +127,11 @@ class ResultSetBuilder {
   }
   void AddBytes(Kind kind, std::string_view bytes);
 
+  void Resize(ResultSet::Block& block, std::size_t old_rows, std::size_t new_rows);
+
   std::shared_ptr<ResultSet> result_;
   std::size_t width_;
+  std::size_t block_rows_ = 0;  // how many the last block has room for
   Kind* kind_ = nullptr;
   std::uint64_t* bits_ = nullptr;
 };

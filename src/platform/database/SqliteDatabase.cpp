@@ -74,19 +74,21 @@ std::string ColumnNameOf(sqlite3_stmt* statement, int column) {
   return numbered ? origin : name;
 }
 
-void AddCell(ResultSetBuilder& builder, sqlite3_stmt* statement, int column) {
-  switch (sqlite3_column_type(statement, column)) {
+// Reading through the value saves SQLite's column functions from looking the column up again each time. That
+// is sound here because nobody else uses the connection meanwhile.
+void AddCell(ResultSetBuilder& builder, sqlite3_value* value) {
+  switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
-      return builder.AddInteger(sqlite3_column_int64(statement, column));
+      return builder.AddInteger(sqlite3_value_int64(value));
     case SQLITE_FLOAT:
-      return builder.AddFloat(sqlite3_column_double(statement, column));
+      return builder.AddFloat(sqlite3_value_double(value));
     case SQLITE_TEXT: {
-      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-      return builder.AddText({text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))});
+      const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+      return builder.AddText({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
     }
     case SQLITE_BLOB: {
-      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-      const int size = sqlite3_column_bytes(statement, column);
+      const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+      const int size = sqlite3_value_bytes(value);
       return builder.AddBlob(size == 0 ? std::string_view() : std::string_view(bytes, size));
     }
     default:
@@ -214,7 +216,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadRows(sqlite3_stmt* statemen
   ResultSetBuilder builder(std::move(names));
   while (connection_.Step(statement, sql)) {
     builder.BeginRow();
-    for (int column = 0; column < width; ++column) AddCell(builder, statement, column);
+    for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
     if (builder.Bytes() > options_.max_result_bytes)
       throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
                           sql);

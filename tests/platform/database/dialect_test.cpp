@@ -1,5 +1,8 @@
 #include "platform/database/Dialect.h"
 
+#include <fstream>
+#include <sstream>
+
 #include "platform/database/DatabaseError.h"
 #include "platform/database/TestDatabase.h"
 
@@ -168,6 +171,38 @@ TEST(Dialect, SharedColumnOfAnEarlierTableIsNotMistakenForTheKey) {
   const TestDatabase file(kSchema);
   SqliteWriter(file.File()).ExecuteScript("UPDATE Loose SET PersonalSysId = 2");
   EXPECT_EQ(Rows(*file.Open()->Select("SELECT PersonalName FROM Loose, Employee JOIN Personal")), "Ann");
+}
+
+TEST(Dialect, SchemaGivesEveryJoinOfTheEngineOneKey) {
+  std::ifstream stream(EXCELEXP_SOURCE_DIR "/demo/schema.sql");
+  const TestDatabase file((std::ostringstream() << stream.rdbuf()).str());
+  const auto database = file.Open();
+  const std::string records = " FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup";
+  for (const std::string& sql : {
+           "SELECT *" + records + " WHERE AnlysProjectId = 'P' AND AnlysIPAddress = 'K' AND Basis1Id = '1'",
+           "SELECT DISTINCT AnlysItem1Id, AnlysItemDesc, AnlysItemTypeId" + records +
+               " WHERE AnlysItemTypeId = 'PayElement' ORDER BY AnlysItem1Id",
+           std::string(
+               "SELECT * FROM ColourScheme JOIN ColourCodeMapping WHERE ColourSchemeId IN ('a',   'b')"),
+           std::string(
+               "SELECT DISTINCT Basis1Id, '' AS Basis2Id, Personal.PersonalSysId FROM AnlysItemRecord JOIN "
+               "(Employee JOIN Personal)    ON Basis1Id = EmployeeSysId WHERE AnlysProjectId = 'P' AND "
+               "Basis1Id IN "
+               "(SELECT DISTINCT EmployeeSysId FROM Employee JOIN Personal WHERE Employee.HireDate = "
+               "'2004-02-29')"),
+           std::string("SELECT *, MONTHS(Employee.HireDate, NOW()) FROM Employee Join Personal WHERE "
+                       "EmployeeSysId = 1"),
+           std::string("SELECT * FROM Personal LEFT OUTER JOIN Employee WHERE Personal.PersonalSysId = 1"),
+           std::string("SELECT DISTINCT Personal.PersonalSysId FROM Personal LEFT OUTER JOIN Employee WHERE "
+                       "Personal.PersonalSysId IN (SELECT PersonalSysId FROM ViewEmployee)"),
+           std::string(
+               "SELECT LayoutSchemeId, CycleMethod  FROM          FinancialRpt JOIN AnlysProject ON          "
+               "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId WHERE FinancialRptId = 'F'"),
+           std::string("SELECT FinancialRptId FROM FinancialRpt JOIN          AnlysProject ON "
+                       "FinancialAnalysProjId = "
+                       "AnlysProjectId          WHERE FinancialRptId = 'F'"),
+       })
+    EXPECT_EQ(ErrorOf(*database, sql), "");
 }
 
 }  // namespace
