@@ -85,9 +85,10 @@ int ResultSet::ColumnIndex(std::string_view name) const {
 }
 
 ResultSet::Value ResultSet::At(int row, int column) const {
-  if (row < 0 || row >= RowCount() || column < 0 || column >= ColumnCount())
+  if (row < 0 || row >= RowCount() || column < 0 || column >= ColumnCount()) {
     throw std::out_of_range("the result has no row " + std::to_string(row) + " or no column " +
                             std::to_string(column));
+  }
   return AtUnchecked(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
 }
 
@@ -255,12 +256,15 @@ void ResultSetBuilder::AddFloat(double value) {
   Add(Kind::kFloat, std::bit_cast<std::uint64_t>(value));
 }
 
+// Longer ones are seldom repeated and dear to compare.
+constexpr std::size_t kShareable = 256;
+
 // Neighbouring rows repeat most of their texts (project, entity, item): a repeated one is stored once.
 void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
   if (bytes.empty()) return Add(kind, 0);
   const auto width = static_cast<std::ptrdiff_t>(width_);
   const bool has_row_above = bits_ - result_->blocks_.back().bits.get() >= width;
-  if (has_row_above && kind_[-width] == kind) {
+  if (bytes.size() <= kShareable && has_row_above && kind_[-width] == kind) {
     const std::uint64_t above = bits_[-width];
     if ((above & 0xffffffffu) == bytes.size() &&
         std::memcmp(result_->text_.data() + (above >> 32), bytes.data(), bytes.size()) == 0)

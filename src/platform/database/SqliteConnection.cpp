@@ -97,7 +97,7 @@ void SqliteConnection::Fail(int code, const std::string& sent) const {
 }
 
 std::string SqliteConnection::Describe(int code) const {
-  const std::string said = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+  std::string said = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
   switch (code & 0xff) {
     case SQLITE_BUSY:
       return "the database '" + file_ + "' is locked by another program (waited " +
@@ -136,8 +136,13 @@ int SqliteConnection::OnBusy(void* self, int attempt) {
 
 int SqliteConnection::OnProgress(void* self) {
   auto& connection = *static_cast<SqliteConnection*>(self);
-  connection.too_much_memory_ = sqlite3_memory_used() > kMaxMemory;
+  connection.too_much_memory_ = sqlite3_memory_used() - connection.memory_at_begin_ > kMaxMemory;
   return connection.too_much_memory_ || connection.IsCancelled() ? 1 : 0;
+}
+
+void SqliteConnection::BeginStatement() {
+  moment_taken_ = false;
+  memory_at_begin_ = sqlite3_memory_used();
 }
 
 DateTime SqliteConnection::Moment() {

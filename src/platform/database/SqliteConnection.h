@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -47,8 +48,9 @@ class SqliteConnection {
 
   [[noreturn]] void Fail(int code, const std::string& sent) const;
 
-  /// Begins a statement that a caller sees as one: NOW() gives one moment until the next call.
-  void BeginStatement() { moment_taken_ = false; }
+  /// Begins a statement that a caller sees as one: NOW() gives one moment, and memory is counted, until the
+  /// next call.
+  void BeginStatement();
   DateTime Moment();
 
  private:
@@ -63,6 +65,7 @@ class SqliteConnection {
   Hooks hooks_;
   bool moment_taken_ = false;
   DateTime moment_;
+  std::int64_t memory_at_begin_ = 0;
   bool too_much_memory_ = false;
 };
 

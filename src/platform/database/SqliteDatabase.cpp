@@ -66,7 +66,7 @@ std::string TypeWordOf(const std::string& declared) {
 // The names of the columns of a join in parentheses bear a number when two tables share them ("Id:1"); the
 // column they come from tells which.
 std::string ColumnNameOf(sqlite3_stmt* statement, int column) {
-  const std::string name = sqlite3_column_name(statement, column);
+  std::string name = sqlite3_column_name(statement, column);
   const char* const origin = sqlite3_column_origin_name(statement, column);
   const std::size_t colon = name.rfind(':');
   if (origin == nullptr || colon == std::string::npos || name.compare(0, colon, origin) != 0) return name;
@@ -217,9 +217,10 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadRows(sqlite3_stmt* statemen
   while (connection_.Step(statement, sql)) {
     builder.BeginRow();
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
-    if (builder.Bytes() > options_.max_result_bytes)
+    if (builder.Bytes() > options_.max_result_bytes) {
       throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
                           sql);
+    }
   }
   return builder.Finish();
 }
@@ -265,8 +266,8 @@ void SqliteDatabase::BeginSnapshot(const std::string& sent) {
     const std::int64_t schema_version = Pragma("PRAGMA schema_version", sent);
     const std::int64_t data_version = Pragma("PRAGMA data_version", sent);
     if (schema_version_ != schema_version) ForgetSchema();
-    if (data_version_ != data_version || schema_version_ != schema_version)
-      functions_.Load(catalogue_.Find("DatabaseFunction") != nullptr);
+    const bool changed = data_version_ != data_version || schema_version_ != schema_version;
+    if (changed && functions_.Load(catalogue_.Find("DatabaseFunction") != nullptr)) statements_.clear();
     schema_version_ = schema_version;
     data_version_ = data_version;
   } catch (...) {
@@ -279,7 +280,11 @@ void SqliteDatabase::EndSnapshot() {
   if (!in_snapshot_) return;
   const SqliteGuard::Pass pass(guard_);
   in_snapshot_ = false;
-  if (sqlite3_get_autocommit(connection_.Handle()) == 0) connection_.Execute("COMMIT");
+  // There is nothing to lose: whatever goes wrong, the lock has to go.
+  for (const char* end : {"COMMIT", "ROLLBACK"}) {
+    if (sqlite3_get_autocommit(connection_.Handle()) == 0)
+      sqlite3_exec(connection_.Handle(), end, nullptr, nullptr, nullptr);
+  }
 }
 
 std::int64_t SqliteDatabase::Pragma(const char* sql, const std::string& sent) {

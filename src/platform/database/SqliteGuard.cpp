@@ -61,13 +61,24 @@ bool Contains(const std::array<std::string_view, N>& names, std::string_view nam
   return std::ranges::any_of(names, [&](std::string_view each) { return SameName(each, name); });
 }
 
+// The call at `name` has no argument, or, for strftime, none but the format.
+bool CallsWithoutTime(const std::vector<SqlToken>& tokens, std::size_t name) {
+  if (name + 1 >= tokens.size() || !tokens[name + 1].IsMark('(')) return false;
+  if (!tokens[name].IsWord("strftime")) return name + 2 < tokens.size() && tokens[name + 2].IsMark(')');
+  int depth = 0;
+  for (std::size_t i = name + 1; i < tokens.size(); ++i) {
+    if (tokens[i].IsMark('(')) ++depth;
+    if (tokens[i].IsMark(')') && --depth == 0) return true;
+    if (tokens[i].IsMark(',') && depth == 1) return false;
+  }
+  return true;
+}
+
 bool AsksClock(std::string_view sql) {
   const std::vector<SqlToken> tokens = TokenizeSql(sql);
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     if (tokens[i].kind == SqlToken::Kind::kString && SameName(tokens[i].text, "'now'")) return true;
-    if (i + 2 < tokens.size() && Contains(kDates, tokens[i].text) && tokens[i + 1].IsMark('(') &&
-        tokens[i + 2].IsMark(')'))
-      return true;
+    if (Contains(kDates, tokens[i].text) && CallsWithoutTime(tokens, i)) return true;
   }
   return false;
 }

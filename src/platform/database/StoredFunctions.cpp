@@ -64,11 +64,11 @@ StoredFunctions::~StoredFunctions() {
   Forget();
 }
 
-void StoredFunctions::Load(bool table_exists) {
+bool StoredFunctions::Load(bool table_exists) {
   std::vector<Definition> wanted;
   if (table_exists) wanted = ReadDefinitions();
   const auto definition = [](const std::unique_ptr<Function>& function) { return function->definition; };
-  if (std::ranges::equal(functions_, wanted, {}, definition)) return;
+  if (std::ranges::equal(functions_, wanted, {}, definition)) return false;
   Unregister();
   std::set<std::string> names;
   for (Definition& each : wanted) {
@@ -79,6 +79,7 @@ void StoredFunctions::Load(bool table_exists) {
       throw DatabaseError("table DatabaseFunction defines the function " + each.name + " twice", each.sql);
     Register(std::move(each));
   }
+  return true;
 }
 
 std::vector<StoredFunctions::Definition> StoredFunctions::ReadDefinitions() const {
@@ -91,18 +92,19 @@ std::vector<StoredFunctions::Definition> StoredFunctions::ReadDefinitions() cons
   while (connection_.Step(rows.get(), kDefinitionsSql)) {
     Definition each{text(0), sqlite3_column_int(rows.get(), 1), text(2)};
     if (each.name.empty() || each.sql.empty() || each.argument_count < 0 ||
-        each.argument_count > kMaxArguments)
+        each.argument_count > kMaxArguments) {
       throw DatabaseError(
           "table DatabaseFunction has a row without name, SQL or a sensible argument count: '" + each.name +
               "'",
           each.sql);
+    }
     definitions.push_back(std::move(each));
   }
   return definitions;
 }
 
 void StoredFunctions::Register(Definition definition) {
-  functions_.push_back(std::make_unique<Function>(this, std::move(definition)));
+  functions_.push_back(std::make_unique<Function>(Function{this, std::move(definition), {}, {}}));
   Function& function = *functions_.back();
   const int code = sqlite3_create_function_v2(
       connection_.Handle(), function.definition.name.c_str(), function.definition.argument_count,
@@ -196,9 +198,10 @@ CompiledQuery StoredFunctions::Take(Function& function) {
     return query;
   }
   CompiledQuery query = compile_(function.definition.sql);
-  if (sqlite3_bind_parameter_count(query.statement.get()) > function.definition.argument_count)
+  if (sqlite3_bind_parameter_count(query.statement.get()) > function.definition.argument_count) {
     throw DatabaseError("its SQL has more parameters than the function has arguments",
                         function.definition.sql);
+  }
   return query;
 }
 

@@ -36,9 +36,9 @@ class StoredFunctions {
   StoredFunctions(const StoredFunctions&) = delete;
   StoredFunctions& operator=(const StoredFunctions&) = delete;
 
-  /// Reads the table and registers what it defines. Throws DatabaseError for a row that defines nothing
-  /// sensible, or that redefines a function the library has.
-  void Load(bool table_exists);
+  /// Reads the table and registers what it defines; false when that is what is registered already. Throws
+  /// DatabaseError for a row that defines nothing sensible, or that redefines a function the library has.
+  bool Load(bool table_exists);
 
   /// Drops remembered values and compiled statements: the data may have changed.
   void Forget();

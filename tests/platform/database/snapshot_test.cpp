@@ -104,6 +104,20 @@ TEST_P(SnapshotTest, AnotherProgramsWriteIsSeenAfterNoteWriteAndNotBefore) {
   EXPECT_EQ(Rows(*database->Select(kBoth)), "second|second");
 }
 
+TEST_P(SnapshotTest, ChangedFunctionIsSeen) {
+  const auto database = file_.Open();
+  const Registered registered("varndb", database);
+  const char* const sql = "SELECT FGet(1)";
+  EXPECT_EQ(Rows(*database->Select(sql)), "old");
+  SqliteWriter(file_.File())
+      .ExecuteScript(
+          "UPDATE DatabaseFunction SET FunctionSql = 'SELECT length(NOW())' WHERE FunctionName = 'FGet'");
+  EXPECT_EQ(Rows(*database->Select(sql)), "19");
+  EXPECT_NE(database->Select(sql), database->Select(sql));  // it became volatile
+  SqliteWriter(file_.File()).ExecuteScript("DELETE FROM DatabaseFunction WHERE FunctionName = 'FGet'");
+  EXPECT_NE(ErrorOf(*database, sql), "");
+}
+
 TEST_P(SnapshotTest, ChangedSchemaIsSeen) {
   const auto database = file_.Open();
   OtherProgram other(file_);
@@ -160,6 +174,8 @@ TEST_P(SnapshotTest, RepeatedTextIsAnsweredFromTheCacheUnlessItIsVolatile) {
       {"SELECT random()", false},
       {"SELECT CURRENT_TIMESTAMP", false},
       {"SELECT date('NOW')", false},
+      {"SELECT strftime('%Y')", false},
+      {"SELECT strftime('%Y', '2024-02-29')", true},
       {"SELECT date ( )", false},
   };
   for (const auto& each : cases)
