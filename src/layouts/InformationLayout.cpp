@@ -1,0 +1,148 @@
+#include "layouts/InformationLayout.h"
+
+#include "engine/DefinitionTables.h"
+#include "platform/database/DatabaseRegistry.h"
+#include "platform/database/SqlText.h"
+#include "platform/host/CommonLibrary.h"
+#include "services/BExcelExpEngCalcFields.h"
+
+namespace excelexp {
+namespace {
+
+constexpr InformationTraits kEmployeeTraits = {"BExcelExpEngEmployeeRpt", kPayrollDatabaseName, "Basis1Id",
+                                               kEmployees};
+constexpr InformationTraits kPersonalTraits = {"BExcelExpEngPersonalRpt", "", "PersonalSysId", kPersons};
+
+std::string DatabaseOf(const BExcelExpEngCore* core, const InformationTraits& traits) {
+  return traits.database.empty() ? core->DatabaseName : std::string(traits.database);
+}
+
+}  // namespace
+
+BExcelExpEngEmployeeRpt::BExcelExpEngEmployeeRpt(BExcelExpEngCore* core)
+    : InformationLayout(core, kEmployeeTraits) {}
+
+BExcelExpEngPersonalRpt::BExcelExpEngPersonalRpt(BExcelExpEngCore* core)
+    : InformationLayout(core, kPersonalTraits) {}
+
+InformationLayout::InformationLayout(BExcelExpEngCore* core, const InformationTraits& traits)
+    : core_(core),
+      traits_(traits),
+      EmployeeRptQry(DatabaseOf(core, traits)),
+      ExcelEmpRptDetailQry(DatabaseOf(core, traits)),
+      EmpRptInfoQry(DatabaseOf(core, traits)),
+      EmployeeColItemQry(DatabaseOf(core, traits)),
+      ColourSchemeQry(DatabaseOf(core, traits)),
+      cells_(core, &ColourSchemeQry) {}
+
+std::string InformationLayout::Where(std::string_view operation) const {
+  return std::string(traits_.class_name) + "::" + std::string(operation);
+}
+
+bool InformationLayout::ExecuteOperation() {
+  if (!OpenReport()) return false;
+  if (EmployeeColItemQry.RowCount() == 0) {
+    core_->WriteUserEntry("Warning: Column Items are not set for " + core_->ExcelWSItemRptId + ".");
+    return true;
+  }
+  if (!OpenData()) return false;
+  current_row_ = core_->StartPrintedRow;
+  do {
+    current_col_ = core_->StartPrintedCol;
+    if (!PrintEmployeeInfo()) return false;
+    ++current_row_;
+    EmpRptInfoQry.Next();
+  } while (!EmpRptInfoQry.Eof());
+  // The row of blanks counts too, or the next entity would be printed over it.
+  if (current_row_ - 1 > core_->LastPrintedRow) SetLastPrintedRow(current_row_ - 1);
+  SetLastPrintedCol(current_col_);
+  return true;
+}
+
+bool InformationLayout::OpenReport() {
+  const std::string where = Where("ExecuteOperation");
+  const std::string report = SqlText(core_->ExcelWSItemRptId);
+  return core_->OpenOrLog(EmployeeRptQry, "SELECT * FROM EmployeeRpt WHERE EmpInfoRptId = " + report, where,
+                          "EmployeeRptQry", Rows::kRequired) &&
+         core_->OpenOrLog(ExcelEmpRptDetailQry,
+                          "SELECT * FROM ExcelEmpRpt WHERE" + std::string(39, ' ') + "ExcelEmpRptId = " +
+                              SqlText(EmployeeRptQry.FieldByName("EmpInfoRptType").AsString()),
+                          where, "ExcelEmpRptDetailQry", Rows::kRequired) &&
+         core_->OpenOrLog(EmployeeColItemQry,
+                          "SELECT * FROM EmpColItem WHERE EmpInfoRptId = " + report + std::string(37, ' ') +
+                              "AND EmpColIsRptMainInfo = 0 ORDER BY EmpColItemOrder",
+                          where, "EmployeeColItemQry", Rows::kOptional);
+}
+
+bool InformationLayout::OpenData() {
+  static const std::string gap(11, ' ');
+  const auto piece = [this](std::string_view name) {
+    return ExcelEmpRptDetailQry.FieldByName(name).AsString();
+  };
+  const int id = core_->EmpCoyBasisQry->FieldByName(traits_.entity_column).AsInteger();
+  std::string sql = "SELECT DISTINCT " + SelectList() + " FROM " + piece("ExcelEmpRptTable1") + gap +
+                    piece("ExcelEmpRptTable2") + gap + piece("ExcelEmpRptTable3") + " WHERE" +
+                    std::string(12, ' ') + QualifiedId(traits_.population) + " = " + std::to_string(id);
+  const std::string filter = FilterCondition(EmployeeRptQry.FieldByName("EmployeeRptHasFilter").AsInteger(),
+                                             EmployeeRptQry.FieldByName("EmployeeRptFilterCond").AsString());
+  if (!filter.empty()) sql += " AND " + filter;
+  // In a financial frame the entity need not be an employee of the view: the code of a company, read as a
+  // number, may be anybody's id.
+  sql += " AND " + InView(core_, traits_.population, id);
+  return core_->OpenOrLog(EmpRptInfoQry, sql, Where("ExecuteOperation"), "EmpRptInfoQry", Rows::kOptional);
+}
+
+std::string InformationLayout::SelectList() {
+  std::string list;
+  for (EmployeeColItemQry.First(); !EmployeeColItemQry.Eof(); EmployeeColItemQry.Next()) {
+    const auto text = [this](std::string_view name) {
+      return EmployeeColItemQry.FieldByName(name).AsString();
+    };
+    if (text("EmpColItemType") == item_type::kBlank) continue;
+    if (!list.empty()) list += ", ";
+    list += core_->CalcFields->GetSelectList(text("EmpColSysTableId"), text("EmpColSysAttributeId"),
+                                             traits_.population.by_employee);
+  }
+  return list;
+}
+
+bool InformationLayout::PrintEmployeeInfo() {
+  core_->WriteBanner(Memo::kInternal, {"      PRINT EMPLOYEE INFORMATION PROCESSING     "});
+  const bool with_title = core_->EmpCoyBasisQry->Bof() && EmpRptInfoQry.Bof();
+  for (EmployeeColItemQry.First(); !EmployeeColItemQry.Eof(); EmployeeColItemQry.Next()) {
+    if (!PrintColumn(with_title)) return false;
+    ++current_col_;
+  }
+  return true;
+}
+
+bool InformationLayout::PrintColumn(bool with_title) {
+  const std::string where = Where("PrintEmployeeInfo");
+  const auto text = [this](std::string_view name) { return EmployeeColItemQry.FieldByName(name).AsString(); };
+  const std::string scheme = text("ColourSchemeId");
+  if (!cells_.OpenSchemes(scheme, where)) return false;
+  if (with_title && !cells_.WriteTitle(current_row_ - 1, current_col_, text("EmpColItemTitle"), where)) {
+    return false;
+  }
+  if (text("EmpColItemType") == item_type::kBlank) {
+    cells_.WriteText(current_row_, current_col_, "");
+  } else {
+    PrintValue();
+  }
+  return cells_.Format(scheme, GetCellName(current_row_, current_col_), where);
+}
+
+void InformationLayout::PrintValue() {
+  const std::string attribute = EmployeeColItemQry.FieldByName("EmpColSysAttributeId").AsString();
+  core_->CalcFields->Search(EmployeeColItemQry.FieldByName("EmpColSysTableId").AsString(), attribute,
+                            traits_.population.by_employee, nullptr);
+  const std::string& type = core_->CalcFields->GetFieldType();
+  if (EmpRptInfoQry.RowCount() > 0) {
+    cells_.WriteField(type, attribute, EmpRptInfoQry, current_row_, current_col_);
+  } else {
+    cells_.FieldType().OutputBlank(GetCellName(current_row_, current_col_), type, current_row_, current_col_,
+                                   false);
+  }
+}
+
+}  // namespace excelexp
