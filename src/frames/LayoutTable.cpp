@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "engine/DefinitionTables.h"
 #include "layouts/BExcelExpEngAccumulatedListRpt.h"
 #include "layouts/BExcelExpEngBreakdownListRpt.h"
 #include "layouts/BExcelExpEngLeaveListDateRpt.h"
@@ -10,6 +11,7 @@
 #include "layouts/BExcelExpEngPayReconRpt.h"
 #include "layouts/BExcelExpEngStatisticsRpt.h"
 #include "layouts/BExcelExpEngVarianceRpt.h"
+#include "layouts/InformationLayout.h"
 
 namespace excelexp {
 namespace {
@@ -79,6 +81,16 @@ constexpr std::array<LayoutRow, 8> kFinancialFrame = {kBreakdown,
 constexpr std::array<LayoutRow, 6> kEmployeeFrame = {
     kBreakdown, kAccumulated, kStatistics, kVariance, kLeavePeriod, LeaveDate("Leave Listing Report (Date)")};
 
+constexpr std::array<LayoutRow, 1> kEmployeeItems = {
+    {{report_type::kEmployee, AsOfDate::kAny, "ExecuteProcEmployeeRpt",
+      "     EMPLOYEE INFORMATION REPORT PROCESSING     ", "Employee Information Report",
+      Make<BExcelExpEngEmployeeRpt>}}};
+
+constexpr std::array<LayoutRow, 1> kPersonalItems = {
+    {{report_type::kPersonal, AsOfDate::kAny, "ExecuteProcPersonalRpt",
+      "     PERSONAL INFORMATION REPORT PROCESSING     ", "Employee Information Report",
+      Make<BExcelExpEngPersonalRpt>}}};
+
 }  // namespace
 
 std::span<const LayoutRow> FinancialFrameLayouts() {
@@ -89,7 +101,9 @@ std::span<const LayoutRow> EmployeeFrameLayouts() {
   return kEmployeeFrame;
 }
 
-std::span<const LayoutRow> InformationLayouts(std::string_view /*report_type*/) {
+std::span<const LayoutRow> InformationLayouts(std::string_view report_type) {
+  if (report_type == report_type::kEmployee) return kEmployeeItems;
+  if (report_type == report_type::kPersonal) return kPersonalItems;
   return {};
 }
 

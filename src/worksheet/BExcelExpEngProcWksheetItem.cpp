@@ -1,7 +1,7 @@
 #include "worksheet/BExcelExpEngProcWksheetItem.h"
 
+#include "dataprep/BExcelExpEngEmpRptInfo.h"
 #include "dataprep/BExcelExpEngFinRptInfo.h"
-#include "dataprep/DataPreparation.h"
 #include "engine/DefinitionTables.h"
 #include "frames/ReportFrame.h"
 #include "platform/database/DatabaseRegistry.h"
@@ -102,7 +102,7 @@ int BExcelExpEngProcWksheetItem::ExecuteProcFinancialRptInfo() {
 
 int BExcelExpEngProcWksheetItem::ExecuteProcEmployeeRptInfo() {
   core_->WriteBanner(Memo::kInternal, {"        EMPLOYEE REPORT INFO PROCESSING         "});
-  const int result = PrepareEmployeeReport(core_);
+  const int result = BExcelExpEngEmpRptInfo(core_).ExecuteOperation();
   if (result == -1) {
     core_->WriteInternalMemo(kMessageClass +
                              "ExecuteProcEmployeeRptInfo Error: Error in processing Employee Report Data");
