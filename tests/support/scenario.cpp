@@ -15,6 +15,8 @@
 namespace excelexp {
 namespace {
 
+constexpr std::string_view kNow = "2024-03-05 14:05:09";
+
 std::string ReadFile(const std::string& file) {
   std::ostringstream text;
   text << std::ifstream(file).rdbuf();
@@ -30,7 +32,7 @@ class RecordingExcelAPI final : public BExcelAPI {
     if (save_) {
       BExcelAPI::SaveWorkbook(workbook, file_name, ask);
     } else {
-      formula::Recalculate(*workbook.Get(), ParseDateTime("2024-03-05 14:05:09"));
+      formula::Recalculate(*workbook.Get(), ParseDateTime(kNow));
       CheckWorkbook(*workbook.Get(), WorkbookFormatFor(file_name));
     }
     saved_ = workbook;
@@ -105,19 +107,43 @@ class Scenario::FailingDatabase final : public Database {
   int seen_ = 0;
 };
 
-Scenario::Scenario(const std::string& sql) {
-  SqliteWriter writer(DatabaseFile(), SqliteWriter::Mode::kCreate);
+Scenario::Scenario(const std::string& sql) : context_name_(kPayrollDatabaseName) {
+  database_ = MakeDatabase(context_name_, sql);
+  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+}
+
+Scenario::Scenario(const std::string& sql, const std::string& context_sql) : context_name_("reports") {
+  MakeDatabase(std::string(kPayrollDatabaseName), sql);
+  database_ = MakeDatabase(context_name_, context_sql);
+  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+}
+
+std::shared_ptr<Scenario::FailingDatabase> Scenario::MakeDatabase(const std::string& name,
+                                                                  const std::string& sql) {
+  const std::string file = folder_.File(name + ".db");
+  SqliteWriter writer(file, SqliteWriter::Mode::kCreate);
   writer.Transaction([&] {
     writer.ExecuteScript(ReadFile(EXCELEXP_SOURCE_DIR "/demo/schema.sql"));
     writer.ExecuteScript(sql);
   });
-  database_ = std::make_shared<FailingDatabase>(OpenSqliteDatabase(DatabaseFile()));
-  DatabaseRegistry::Register(std::string(kPayrollDatabaseName), database_);
-  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+  SqliteOptions options;
+  options.now = [] { return ParseDateTime(kNow); };
+  auto database = std::make_shared<FailingDatabase>(OpenSqliteDatabase(file, options));
+  DatabaseRegistry::Register(name, database);
+  return database;
 }
 
 Scenario::~Scenario() {
   DatabaseRegistry::Remove(kPayrollDatabaseName);
+  DatabaseRegistry::Remove(context_name_);
+}
+
+void Scenario::Attach(BExcelExpEngCore& core, LineSink& user_log, LineSink& internal_log) {
+  core.SetDatabaseName(context_name_);
+  core.SetQueryViewTable(&view_);
+  core.SetHost(host_.get());
+  core.SetLogMemo(&user_log);
+  core.SetInternalMemo(&internal_log);
 }
 
 void Scenario::Execute(const std::string& sql) {
@@ -132,11 +158,8 @@ ScenarioRun Scenario::Run(const std::string& spreadsheet_id, bool save) {
   ScenarioRun run;
   MemoryLineSink user_log;
   MemoryLineSink internal_log;
-  const FixedViewTable view("10.1.2.3", "ViewEmployee");
-  BExcelExpEngine engine(spreadsheet_id, &view, std::string(kPayrollDatabaseName));
-  engine.SetHost(host_.get());
-  engine.SetLogMemo(&user_log);
-  engine.SetInternalMemo(&internal_log);
+  BExcelExpEngine engine(spreadsheet_id, &view_, context_name_);
+  Attach(engine, user_log, internal_log);
   engine.SetOwnExcelAPI(std::make_unique<RecordingExcelAPI>(run.workbook, save));
   run.result = engine.ExecuteOperation();
   run.outcome = engine.LastOutcome();

@@ -45,6 +45,7 @@ class ScenarioHost : public BatchHost {
                                                         const std::string& database,
                                                         bool interactive) override {
     requests.push_back(request);
+    request_databases.push_back(interactive ? database + ", interactive" : database);
     return make_analysis ? make_analysis(request)
                          : BatchHost::CreateAnalysisRptEng(request, database, interactive);
   }
@@ -57,6 +58,7 @@ class ScenarioHost : public BatchHost {
   std::vector<std::string> proposed;            ///< by the save dialog
   std::vector<std::string> shown;               ///< message boxes
   std::vector<AnlysProjectStructure> requests;  ///< to the analysis engine
+  std::vector<std::string> request_databases;   ///< named in each of them
 };
 
 /// What a run left.
@@ -78,14 +80,22 @@ class Scenario {
  public:
   /// The SQL text adds definitions and records to the empty database.
   explicit Scenario(const std::string& sql = "");
+  /// The context works on a second database, "reports", made from `context_sql`; "varndb" is made from `sql`.
+  /// Analysis records go where the context reads them.
+  Scenario(const std::string& sql, const std::string& context_sql);
   ~Scenario();
 
   void Execute(const std::string& sql);
+  /// Makes a context ready for a class that is tested alone. The sinks outlive the context's use.
+  void Attach(BExcelExpEngCore& core, LineSink& user_log, LineSink& internal_log);
+  /// Who may be seen: a table or view with EmployeeSysId and PersonalSysId; everybody when never called.
+  void UseView(const std::string& table) { view_ = FixedViewTable("10.1.2.3", table); }
   /// Runs the engine; nothing is written to the disk unless `save` is set.
   ScenarioRun Run(const std::string& spreadsheet_id, bool save = false);
 
   ScenarioHost& Host() { return *host_; }
-  std::string DatabaseFile() const { return folder_.File("payroll.db"); }
+  /// The context's.
+  std::string DatabaseFile() const { return folder_.File(context_name_ + ".db"); }
   std::string OutputFile() const { return folder_.File("out.xls"); }
   const TemporaryFolder& Folder() const { return folder_; }
 
@@ -96,7 +106,12 @@ class Scenario {
  private:
   class FailingDatabase;
 
+  /// Makes and registers a database.
+  std::shared_ptr<FailingDatabase> MakeDatabase(const std::string& name, const std::string& sql);
+
   TemporaryFolder folder_;
+  std::string context_name_;
+  FixedViewTable view_{"10.1.2.3", "ViewEmployee"};
   std::shared_ptr<FailingDatabase> database_;
   std::unique_ptr<ScenarioHost> host_;
 };
