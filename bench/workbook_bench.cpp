@@ -95,7 +95,7 @@ std::string Bytes(const Handle& workbook, const char* file_name) {
   const WorkbookFormat& format = WorkbookFormatFor(file_name);
   formula::Recalculate(*workbook.Get(), {});
   CheckWorkbook(*workbook.Get(), format);
-  return format.serialize(*workbook.Get(), "/tmp");
+  return format.serialize(*workbook.Get());
 }
 
 /// The bytes by which the peak of resident memory rises above the start of `work`, in a process of its own.

@@ -20,8 +20,9 @@ from office import compare_results, workbooks  # noqa: E402
 START_SECONDS = 60
 CONTENT = 1 | 2 | 4 | 16  # com.sun.star.sheet.CellFlags: VALUE, DATETIME, STRING, FORMULA
 # What Calc shows for errors that it has no common name for. 502, an invalid argument, is one error to Calc and
-# two to the format.
-ERRORS = {"Err:502": ("#NUM!", "#VALUE!"), "Err:503": ("#NUM!",), "Err:521": ("#NULL!",)}
+# two to the formats; 520 is what it makes of an error constant in an .xls file.
+ERRORS = {"Err:502": ("#NUM!", "#VALUE!"), "Err:503": ("#NUM!",), "Err:520": ("#REF!", "#NAME?"),
+          "Err:521": ("#NULL!",)}
 
 
 class CalcBook:
@@ -29,20 +30,25 @@ class CalcBook:
 
     def __init__(self, document):
         self.sheets = document.getSheets()
-        self.rows = {}
+        self.last_columns = {}
+        self.row = None
+        self.row_values = ()
 
     def _cell(self, sheet, row, column):
         return self.sheets.getByName(sheet).getCellByPosition(column - 1, row - 1)
 
     def _row(self, name, row):
         """The values of a row at once: asking cell by cell takes minutes."""
-        if (name, row) not in self.rows:
+        if self.row != (name, row):
             sheet = self.sheets.getByName(name)
-            cursor = sheet.createCursor()
-            cursor.gotoEndOfUsedArea(False)
-            last = cursor.getRangeAddress().EndColumn
-            self.rows = {(name, row): sheet.getCellRangeByPosition(0, row - 1, last, row - 1).getDataArray()[0]}
-        return self.rows[name, row]
+            if name not in self.last_columns:
+                cursor = sheet.createCursor()
+                cursor.gotoEndOfUsedArea(False)
+                self.last_columns[name] = cursor.getRangeAddress().EndColumn
+            self.row = name, row
+            cells = sheet.getCellRangeByPosition(0, row - 1, self.last_columns[name], row - 1)
+            self.row_values = cells.getDataArray()[0]
+        return self.row_values
 
     def value(self, sheet, row, column, ours):
         expected_kind, expected = ours

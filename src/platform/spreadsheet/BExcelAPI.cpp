@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <vector>
 
 #include "platform/spreadsheet/FilePublisher.h"
@@ -207,8 +206,7 @@ void BExcelAPI::SaveWorkbook(const Handle& workbook, const std::string& file_nam
   open.created = impl_->moment;
   formula::Recalculate(open, impl_->moment);
   CheckWorkbook(open, format);
-  const std::filesystem::path folder = std::filesystem::path(file_name).parent_path();
-  PublishFile(file_name, format.serialize(open, folder.empty() ? "." : folder.string()));
+  PublishFile(file_name, format.serialize(open));
 }
 
 void BExcelAPI::TerminateExcel() {

@@ -27,8 +27,7 @@ struct WorkbookFormat {
   std::size_t max_fonts;           ///< distinct fonts, the four that every file begins with included
   std::size_t max_number_formats;  ///< beyond the built-in ones
   /// The finished file for a checked workbook whose formulas have results. Throws SpreadsheetError.
-  /// `folder` is where the file will stand, for writers that need scratch space.
-  std::string (*serialize)(const Workbook& workbook, const std::string& folder);
+  std::string (*serialize)(const Workbook& workbook);
 };
 
 /// The known formats, the default first.
@@ -38,8 +37,8 @@ const std::vector<WorkbookFormat>& WorkbookFormats();
 /// any other.
 const WorkbookFormat& WorkbookFormatFor(std::string_view file_name);
 
-std::string SerializeXls(const Workbook& workbook, const std::string& folder);
-std::string SerializeXlsx(const Workbook& workbook, const std::string& folder);
+std::string SerializeXls(const Workbook& workbook);
+std::string SerializeXlsx(const Workbook& workbook);
 
 /// Throws SpreadsheetError for a sheet name that the application refuses: empty, longer than 31 UTF-16 units,
 /// one of []:*?/\ or a control character in it, an apostrophe at an end, or "History", which the application

@@ -21,7 +21,7 @@ std::size_t ExpectedSize(const Workbook& workbook) {
 
 }  // namespace
 
-std::string SerializeXls(const Workbook& workbook, const std::string& /*folder*/) {
+std::string SerializeXls(const Workbook& workbook) {
   // [MS-CFB] keeps streams of less than 4,096 bytes in a place that old readers do not look at.
   constexpr std::size_t kLeastStream = 4096;
   const xls::XlsParts parts(workbook);

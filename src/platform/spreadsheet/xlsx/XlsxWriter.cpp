@@ -151,7 +151,7 @@ void WriteCoreProperties(Package& package, const Workbook& workbook) {
 }  // namespace
 
 /// The sheets are written before the parts that hold the texts and names which the sheets turned out to need.
-std::string SerializeXlsx(const Workbook& workbook, const std::string&) {
+std::string SerializeXlsx(const Workbook& workbook) {
   Package package;
   FormatCensus formats(workbook);
   formats.AddAll();

@@ -117,7 +117,7 @@ std::vector<ReadRecord> ReadRecords(const std::string& stream) {
 }
 
 std::vector<ReadRecord> SavedRecords(const Workbook& workbook) {
-  return ReadRecords(ReadStream(SerializeXls(workbook, "."), "Workbook"));
+  return ReadRecords(ReadStream(SerializeXls(workbook), "Workbook"));
 }
 
 std::vector<ReadRecord> OfType(const std::vector<ReadRecord>& records, std::uint16_t type) {

@@ -80,7 +80,7 @@ class XlsxWriter : public ::testing::Test {
   }
   /// A part without the header and the elements that every part of its kind has.
   std::string SheetData() {
-    const std::string xml = ReadPart(SerializeXlsx(workbook_, "."), {"xl", "worksheets", "sheet1.xml"});
+    const std::string xml = ReadPart(SerializeXlsx(workbook_), {"xl", "worksheets", "sheet1.xml"});
     const std::size_t begin = xml.find("<sheetData>");
     return xml.substr(begin, xml.find("<pageMargins") - begin);
   }
@@ -127,7 +127,7 @@ TEST_F(XlsxWriter, KeepsNoTextThatNoCellShows) {
   Text(1, 1, "secret");
   Text(1, 1, "shown");
   Text(2, 1, "shown");
-  const std::string strings = ReadPart(SerializeXlsx(workbook_, "."), {"xl", "sharedStrings.xml"});
+  const std::string strings = ReadPart(SerializeXlsx(workbook_), {"xl", "sharedStrings.xml"});
   EXPECT_THAT(strings, ::testing::HasSubstr("count=\"2\" uniqueCount=\"1\"><si><t>shown</t></si></sst>"));
 }
 
@@ -135,7 +135,7 @@ TEST_F(XlsxWriter, MovesPiecesOfALongTotalIntoHiddenNames) {
   std::string sum = "=SUM(A3";
   for (int row = 5; row <= 9999; row += 2) sum += ",A" + std::to_string(row);
   AddFormula(1, 1, sum + ")", {FormulaResult::Type::kNumber, 7.0, "", {}});
-  const std::string file = SerializeXlsx(workbook_, ".");
+  const std::string file = SerializeXlsx(workbook_);
   EXPECT_THAT(
       ReadPart(file, {"xl", "workbook.xml"}),
       ::testing::HasSubstr("</sheets><definedNames><definedName name=\"_TOTAL_S1R1C1_1\" hidden=\"1\">"));
