@@ -117,9 +117,14 @@ bool BExcelExpEngBreakdownListRpt::OpenTimesheetRows() {
 }
 
 int BExcelExpEngBreakdownListRpt::GetNoOfMergeCells() {
-  int width = project_sub_type_ == project_sub_type::kTimesheetSummary  ? 1
-              : project_sub_type_ == project_sub_type::kTimesheetRecord ? 2
-                                                                        : 0;
+  int width = 0;
+  return CountColumns(width) ? width : 0;
+}
+
+bool BExcelExpEngBreakdownListRpt::CountColumns(int& width) {
+  width = project_sub_type_ == project_sub_type::kTimesheetSummary  ? 1
+          : project_sub_type_ == project_sub_type::kTimesheetRecord ? 2
+                                                                    : 0;
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
     if (Text(FinanceColItemQry, "FinColItemType") != item_type::kAnalysis ||
         Text(FinanceColItemQry, "FinColItem") != kAllItems) {
@@ -127,17 +132,17 @@ int BExcelExpEngBreakdownListRpt::GetNoOfMergeCells() {
       continue;
     }
     if (!core_->ExecuteSQL(AllItemsSql(Text(FinanceColItemQry, "FinColGrouping")))) {
-      Fail(Where("GetNoOfMergeCells"), "Unable to get Formula Details.");
-      return 0;
+      return Fail(Where("GetNoOfMergeCells"), "Unable to get Formula Details.");
     }
     width += core_->SQLQry->RowCount();
   }
-  return width;
+  return true;
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
   const std::string where = Where("PrintPayPeriodInfo");
-  const int width = GetNoOfMergeCells();
+  int width = 0;
+  if (!CountColumns(width)) return false;
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
   if (!cells_.OpenTitleScheme(where)) return false;
   if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {

@@ -30,6 +30,7 @@ class BExcelExpEngBreakdownListRpt final : public ListingLayout {
   bool LocateItem(const std::string& item_id, const std::string& item_type) override;
 
  private:
+  bool CountColumns(int& width);
   bool PrintTimesheetGroup();
   bool OpenTimesheetRows();
   bool PrintTimesheetKey(const std::string& title, const std::string& value);

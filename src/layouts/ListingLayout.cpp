@@ -100,7 +100,7 @@ bool ListingLayout::PrintAnalysisColumn(const ColumnWalk& walk, const std::strin
 bool ListingLayout::IsTitled(const ColumnWalk& walk) const {
   switch (walk.titles) {
     case TitleRule::kFirstEntity:
-      return AtFirstEntity();
+      return AtFirstEntity() && current_row_ == core_->StartPrintedRow;
     case TitleRule::kFirstEntityFlag:
       return core_->FirstEntity;
     case TitleRule::kAlways:

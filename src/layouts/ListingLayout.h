@@ -10,7 +10,7 @@ namespace excelexp {
 
 /// When a column's title is written above the data.
 enum class TitleRule {
-  kFirstEntity,      ///< on the first entity of the list
+  kFirstEntity,      ///< on the first row of the first entity of the list
   kFirstEntityFlag,  ///< while the context's FirstEntity is set
   kAlways
 };
