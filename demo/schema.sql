@@ -530,11 +530,12 @@ CREATE TABLE PayPeriod (
   PRIMARY KEY (PayYear, PayPeriodNo)
 ) WITHOUT ROWID;
 
--- A kind of pay run: its records' id and their type (keyword of category 'Pay Rec Type'). In one period an
+-- A kind of pay run: its records' id, their sub period and their type (keyword of category 'Pay Rec Type'). In one period an
 -- employee has at most one record of a type.
 CREATE TABLE PayRun (
   PayRecId varchar(40) NOT NULL PRIMARY KEY,
   PayRecType varchar(40) NOT NULL REFERENCES KeyWord (KeyWordId),
+  PayRecSubPeriod integer NOT NULL,                          -- of the period it pays
   PayRunDesc varchar(80) NOT NULL DEFAULT ''
 );
 
@@ -558,7 +559,6 @@ CREATE TABLE EmployeePayItem (
 CREATE TABLE PayRecord (
   PayRecYear integer NOT NULL,
   PayRecPeriod integer NOT NULL,
-  PayRecSubPeriod integer NOT NULL,
   EmployeeSysId integer NOT NULL REFERENCES Employee (EmployeeSysId),
   PayRecId varchar(40) NOT NULL REFERENCES PayRun (PayRecId),
   WorkingDays double NOT NULL DEFAULT 0,
@@ -570,29 +570,27 @@ CREATE TABLE PayRecord (
   GrossWage decimal(12, 2) NOT NULL DEFAULT 0,
   TotalDeduction decimal(12, 2) NOT NULL DEFAULT 0,
   NetWage decimal(12, 2) NOT NULL DEFAULT 0,
-  PRIMARY KEY (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId)
+  PRIMARY KEY (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId)
 ) WITHOUT ROWID;
 CREATE INDEX PayRecordByPayRecId ON PayRecord (PayRecId);
 
 CREATE TABLE PayRecItem (
   PayRecYear integer NOT NULL,
   PayRecPeriod integer NOT NULL,
-  PayRecSubPeriod integer NOT NULL,
   EmployeeSysId integer NOT NULL,
   PayRecId varchar(40) NOT NULL,
   PayItemId varchar(20) NOT NULL REFERENCES PayItem (PayItemId),
   PayQuantity double NOT NULL DEFAULT 0,                     -- days, hours or times
   PayRate double NOT NULL DEFAULT 0,                         -- amount per unit
   PayAmount decimal(12, 2) NOT NULL,
-  PRIMARY KEY (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId, PayItemId),
-  FOREIGN KEY (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId)
-    REFERENCES PayRecord (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId)
+  PRIMARY KEY (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId, PayItemId),
+  FOREIGN KEY (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId)
+    REFERENCES PayRecord (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId)
 ) WITHOUT ROWID;
 
 CREATE TABLE PayRecBank (
   PayRecYear integer NOT NULL,
   PayRecPeriod integer NOT NULL,
-  PayRecSubPeriod integer NOT NULL,
   EmployeeSysId integer NOT NULL,
   PayRecId varchar(40) NOT NULL,
   PaymentCategory varchar(20) NOT NULL,                      -- ByCash, ByCheque, ByBank
@@ -603,10 +601,10 @@ CREATE TABLE PayRecBank (
   ExchangeRateID varchar(20) NOT NULL DEFAULT '',
   BankPaymentAmt decimal(12, 2) NOT NULL,
   BankPaymentValue decimal(12, 2) NOT NULL,                  -- in the currency of the exchange rate
-  PRIMARY KEY (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId, PaymentCategory,
+  PRIMARY KEY (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId, PaymentCategory,
                PaymentSequence),
-  FOREIGN KEY (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId)
-    REFERENCES PayRecord (PayRecYear, PayRecPeriod, PayRecSubPeriod, EmployeeSysId, PayRecId)
+  FOREIGN KEY (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId)
+    REFERENCES PayRecord (PayRecYear, PayRecPeriod, EmployeeSysId, PayRecId)
 ) WITHOUT ROWID;
 
 -- Work on a job on one day: TsAmount is the sum of the day's items.
@@ -672,19 +670,23 @@ CREATE VIEW LeaveRecordSum AS
 -- An analysis project names one of the Setup... views. Each has columns of AnlysItemRecord; what a view
 -- leaves out keeps its default. To add a component of a 'system' item type: a row of AnItemLookup and a WHEN.
 
--- Every figure of every pay record, one row per item: 1 is an amount, 2 a quantity, 3 a rate.
-CREATE VIEW PayAnalysis AS
-  SELECT Item.PayRecYear AS PayYear, Item.PayRecPeriod AS PayPeriodNo, Item.PayRecSubPeriod AS PaySubPeriod,
+-- The figures of the pay records, one row each: Amount, Quantity and Rate, and 1 as HeadCount where a record
+-- counts as a head. Three views of one shape: the items, the totals, the payments.
+CREATE VIEW PayItemFigure AS
+  SELECT Item.PayRecYear AS PayYear, Item.PayRecPeriod AS PayPeriodNo, Run.PayRecSubPeriod AS PaySubPeriod,
          Run.PayRecType AS PayRecType, Item.PayRecId AS PayRecId, Item.EmployeeSysId AS EmployeeSysId,
          Kind.PayItemKind AS SectionId, Item.PayItemId AS Item1Id, '' AS Item2Id, '' AS Item3Id, '' AS Item4Id,
          '' AS Item5Id, Kind.PayItemDesc AS ItemDesc, '' AS LookUpId, Item.PayAmount AS Amount,
          Item.PayQuantity AS Quantity, Item.PayRate AS Rate, 0 AS HeadCount
   FROM PayRecItem AS Item CROSS JOIN PayRun AS Run ON Run.PayRecId = Item.PayRecId
-       CROSS JOIN PayItem AS Kind ON Kind.PayItemId = Item.PayItemId
-  UNION ALL
-  SELECT Pay.PayRecYear, Pay.PayRecPeriod, Pay.PayRecSubPeriod, Run.PayRecType, Pay.PayRecId,
-         Pay.EmployeeSysId, 'PaySystem', Component.AnlysLookupId, '', '', '', '', Component.AnlysLookupDesc,
-         Component.AnlysLookupId,
+       CROSS JOIN PayItem AS Kind ON Kind.PayItemId = Item.PayItemId;
+
+CREATE VIEW PayTotalFigure AS
+  SELECT Pay.PayRecYear AS PayYear, Pay.PayRecPeriod AS PayPeriodNo, Run.PayRecSubPeriod AS PaySubPeriod,
+         Run.PayRecType AS PayRecType, Pay.PayRecId AS PayRecId, Pay.EmployeeSysId AS EmployeeSysId,
+         'PaySystem' AS SectionId, Component.AnlysLookupId AS Item1Id, '' AS Item2Id, '' AS Item3Id,
+         '' AS Item4Id, '' AS Item5Id, Component.AnlysLookupDesc AS ItemDesc,
+         Component.AnlysLookupId AS LookUpId,
          CASE Component.AnlysLookupId
            WHEN 'BasicPay' THEN Pay.BasicPay
            WHEN 'TotalAllowance' THEN Pay.TotalAllowance
@@ -694,17 +696,24 @@ CREATE VIEW PayAnalysis AS
            WHEN 'GrossWage' THEN Pay.GrossWage
            WHEN 'TotalDeduction' THEN Pay.TotalDeduction
            WHEN 'NetWage' THEN Pay.NetWage
-           ELSE 0 END,
-         CASE Component.AnlysLookupId WHEN 'WorkingDays' THEN Pay.WorkingDays ELSE 0 END, 0,
-         CASE Component.AnlysLookupId WHEN 'PayHeadCount' THEN 1 ELSE 0 END
+           ELSE 0 END AS Amount,
+         CASE Component.AnlysLookupId WHEN 'WorkingDays' THEN Pay.WorkingDays ELSE 0 END AS Quantity, 0 AS Rate,
+         CASE Component.AnlysLookupId WHEN 'PayHeadCount' THEN 1 ELSE 0 END AS HeadCount
   FROM PayRecord AS Pay CROSS JOIN PayRun AS Run ON Run.PayRecId = Pay.PayRecId
-       CROSS JOIN AnItemLookup AS Component ON Component.AnlysItemTypeId = 'PaySystem'
-  UNION ALL
-  SELECT Bank.PayRecYear, Bank.PayRecPeriod, Bank.PayRecSubPeriod, Run.PayRecType, Bank.PayRecId,
-         Bank.EmployeeSysId, 'BankRecord', Bank.BankBranchCode, Bank.BankCode, Bank.BankAccount,
-         Bank.ExchangeRateID, Bank.PaymentCategory || '_' || Bank.PaymentSequence, 'Bank payment',
-         'BankPaymentAmt', Bank.BankPaymentAmt, Bank.BankPaymentValue, 0, 0
+       CROSS JOIN AnItemLookup AS Component ON Component.AnlysItemTypeId = 'PaySystem';
+
+CREATE VIEW PaymentFigure AS
+  SELECT Bank.PayRecYear AS PayYear, Bank.PayRecPeriod AS PayPeriodNo, Run.PayRecSubPeriod AS PaySubPeriod,
+         Run.PayRecType AS PayRecType, Bank.PayRecId AS PayRecId, Bank.EmployeeSysId AS EmployeeSysId,
+         'BankRecord' AS SectionId, Bank.BankBranchCode AS Item1Id, Bank.BankCode AS Item2Id,
+         Bank.BankAccount AS Item3Id, Bank.ExchangeRateID AS Item4Id,
+         Bank.PaymentCategory || '_' || Bank.PaymentSequence AS Item5Id, 'Bank payment' AS ItemDesc,
+         'BankPaymentAmt' AS LookUpId, Bank.BankPaymentAmt AS Amount, Bank.BankPaymentValue AS Quantity,
+         0 AS Rate, 0 AS HeadCount
   FROM PayRecBank AS Bank CROSS JOIN PayRun AS Run ON Run.PayRecId = Bank.PayRecId;
+
+CREATE VIEW PayAnalysis AS
+  SELECT * FROM PayItemFigure UNION ALL SELECT * FROM PayTotalFigure UNION ALL SELECT * FROM PaymentFigure;
 
 -- Pay records of each employee by pay period and record type.
 CREATE VIEW SetupPayByType AS
@@ -751,50 +760,114 @@ CREATE VIEW EmployeeBasis AS
          AND Years.PayYear - CAST(strftime('%Y', Personal.DateOfBirth) AS INTEGER) >= Ages.AnlysPolicyRangeFrom
          AND Years.PayYear - CAST(strftime('%Y', Personal.DateOfBirth) AS INTEGER) < Ages.AnlysPolicyRangeTo;
 
--- Pay records summed over the employees of each basis; bank payments by category.
+-- Pay records summed over the employees of each basis; payments by category. Each kind of figure is summed on
+-- its own, and CROSS JOIN keeps the order of the tables: so a copy's period range reaches the pay tables'
+-- keys, and the bases are looked up.
 CREATE VIEW PayByBasis AS
   SELECT Basis.BasisSet AS BasisSet, Pay.PayYear AS AnlysItemRecYear, Pay.PayPeriodNo AS AnlysItemRecPeriodMonth,
          0 AS AnlysItemRecSubPeriod, Pay.PayRecType AS AnlysPayRecBasis, Basis.Basis1Id AS Basis1Id,
-         Basis.Basis2Id AS Basis2Id, Pay.SectionId AS AnlysDispSectionId,
-         CASE Pay.SectionId WHEN 'BankRecord' THEN '' ELSE Pay.Item1Id END AS AnlysItem1Id,
+         Basis.Basis2Id AS Basis2Id, Pay.SectionId AS AnlysDispSectionId, Pay.Item1Id AS AnlysItem1Id,
          Pay.Item5Id AS AnlysItem5Id, Pay.ItemDesc AS AnlysItemDesc, Pay.LookUpId AS AnlysLookUpId,
          ROUND(SUM(Pay.Amount), 2) AS AnlysAmount1, ROUND(SUM(Pay.Quantity), 2) AS AnlysAmount2,
          SUM(Pay.HeadCount) AS AnlysCount1
-  FROM PayAnalysis AS Pay
-       JOIN EmployeeBasis AS Basis ON Basis.EmployeeSysId = Pay.EmployeeSysId AND Basis.PayYear = Pay.PayYear
+  FROM PayItemFigure AS Pay
+       CROSS JOIN EmployeeBasis AS Basis
+         ON Basis.EmployeeSysId = Pay.EmployeeSysId AND Basis.PayYear = Pay.PayYear
   GROUP BY Basis.BasisSet, Pay.PayYear, Pay.PayPeriodNo, Pay.PayRecType, Basis.Basis1Id, Basis.Basis2Id,
-           Pay.SectionId, 9, Pay.Item5Id;
+           Pay.SectionId, Pay.Item1Id
+  UNION ALL
+  SELECT Basis.BasisSet AS BasisSet, Pay.PayYear AS AnlysItemRecYear, Pay.PayPeriodNo AS AnlysItemRecPeriodMonth,
+         0 AS AnlysItemRecSubPeriod, Pay.PayRecType AS AnlysPayRecBasis, Basis.Basis1Id AS Basis1Id,
+         Basis.Basis2Id AS Basis2Id, Pay.SectionId AS AnlysDispSectionId, Pay.Item1Id AS AnlysItem1Id,
+         Pay.Item5Id AS AnlysItem5Id, Pay.ItemDesc AS AnlysItemDesc, Pay.LookUpId AS AnlysLookUpId,
+         ROUND(SUM(Pay.Amount), 2) AS AnlysAmount1, ROUND(SUM(Pay.Quantity), 2) AS AnlysAmount2,
+         SUM(Pay.HeadCount) AS AnlysCount1
+  FROM PayTotalFigure AS Pay
+       CROSS JOIN EmployeeBasis AS Basis
+         ON Basis.EmployeeSysId = Pay.EmployeeSysId AND Basis.PayYear = Pay.PayYear
+  GROUP BY Basis.BasisSet, Pay.PayYear, Pay.PayPeriodNo, Pay.PayRecType, Basis.Basis1Id, Basis.Basis2Id,
+           Pay.SectionId, Pay.Item1Id
+  UNION ALL
+  SELECT Basis.BasisSet AS BasisSet, Pay.PayYear AS AnlysItemRecYear, Pay.PayPeriodNo AS AnlysItemRecPeriodMonth,
+         0 AS AnlysItemRecSubPeriod, Pay.PayRecType AS AnlysPayRecBasis, Basis.Basis1Id AS Basis1Id,
+         Basis.Basis2Id AS Basis2Id, Pay.SectionId AS AnlysDispSectionId, '' AS AnlysItem1Id,
+         Pay.Item5Id AS AnlysItem5Id, Pay.ItemDesc AS AnlysItemDesc, Pay.LookUpId AS AnlysLookUpId,
+         ROUND(SUM(Pay.Amount), 2) AS AnlysAmount1, ROUND(SUM(Pay.Quantity), 2) AS AnlysAmount2,
+         SUM(Pay.HeadCount) AS AnlysCount1
+  FROM PaymentFigure AS Pay
+       CROSS JOIN EmployeeBasis AS Basis
+         ON Basis.EmployeeSysId = Pay.EmployeeSysId AND Basis.PayYear = Pay.PayYear
+  GROUP BY Basis.BasisSet, Pay.PayYear, Pay.PayPeriodNo, Pay.PayRecType, Basis.Basis1Id, Basis.Basis2Id,
+           Pay.Item5Id;
 
 -- A worksheet at company level prints one company, '001'.
 CREATE VIEW SetupCompanyPay AS SELECT * FROM PayByBasis WHERE BasisSet = 'Company' AND Basis1Id = '001';
 CREATE VIEW SetupDepartmentPay AS SELECT * FROM PayByBasis WHERE BasisSet = 'Department';
 CREATE VIEW SetupCostCentreAgePay AS SELECT * FROM PayByBasis WHERE BasisSet = 'CostCentreAge';
 
--- Management's pay records, each period beside the one before it: 1 amounts and 2 quantities as current,
--- previous (F) and variance (double) values.
+-- Every pay period twice: with its own figures and with those of the period before.
+CREATE VIEW PayPeriodPair AS
+  SELECT PayYear, PayPeriodNo, 1 AS IsCurrent, PayYear AS SourceYear, PayPeriodNo AS SourcePeriodNo FROM PayPeriod
+  UNION ALL
+  SELECT PayYear, PayPeriodNo, 0, PreviousYear, PreviousPeriodNo FROM PayPeriod;
+
+CREATE VIEW ManagementPayPair AS
+  SELECT Pair.PayYear AS PayYear, Pair.PayPeriodNo AS PayPeriodNo, Pay.PayRecType AS PayRecType,
+         Pay.EmployeeSysId AS EmployeeSysId, Pay.SectionId AS SectionId, MAX(Pay.Item1Id) AS Item1Id,
+         MAX(Pay.Item2Id) AS Item2Id, MAX(Pay.Item3Id) AS Item3Id, MAX(Pay.Item4Id) AS Item4Id,
+         Pay.Item5Id AS Item5Id, Pay.ItemDesc AS ItemDesc, Pay.LookUpId AS LookUpId,
+         SUM(Pay.Amount * Pair.IsCurrent) AS Amount, SUM(Pay.Amount * (1 - Pair.IsCurrent)) AS PreviousAmount,
+         SUM(Pay.Quantity * Pair.IsCurrent) AS Quantity,
+         SUM(Pay.Quantity * (1 - Pair.IsCurrent)) AS PreviousQuantity,
+         SUM(Pay.HeadCount * Pair.IsCurrent) AS HeadCount,
+         SUM(Pay.HeadCount * (1 - Pair.IsCurrent)) AS PreviousHeadCount
+  FROM PayPeriodPair AS Pair CROSS JOIN Employee CROSS JOIN PayItemFigure AS Pay
+    ON Pay.PayYear = Pair.SourceYear AND Pay.PayPeriodNo = Pair.SourcePeriodNo
+       AND Pay.EmployeeSysId = Employee.EmployeeSysId
+  WHERE Employee.CategoryId = 'MGT'
+  GROUP BY Pair.PayYear, Pair.PayPeriodNo, Pay.PayRecType, Pay.EmployeeSysId, Pay.SectionId, Pay.Item1Id
+  UNION ALL
+  SELECT Pair.PayYear AS PayYear, Pair.PayPeriodNo AS PayPeriodNo, Pay.PayRecType AS PayRecType,
+         Pay.EmployeeSysId AS EmployeeSysId, Pay.SectionId AS SectionId, MAX(Pay.Item1Id) AS Item1Id,
+         MAX(Pay.Item2Id) AS Item2Id, MAX(Pay.Item3Id) AS Item3Id, MAX(Pay.Item4Id) AS Item4Id,
+         Pay.Item5Id AS Item5Id, Pay.ItemDesc AS ItemDesc, Pay.LookUpId AS LookUpId,
+         SUM(Pay.Amount * Pair.IsCurrent) AS Amount, SUM(Pay.Amount * (1 - Pair.IsCurrent)) AS PreviousAmount,
+         SUM(Pay.Quantity * Pair.IsCurrent) AS Quantity,
+         SUM(Pay.Quantity * (1 - Pair.IsCurrent)) AS PreviousQuantity,
+         SUM(Pay.HeadCount * Pair.IsCurrent) AS HeadCount,
+         SUM(Pay.HeadCount * (1 - Pair.IsCurrent)) AS PreviousHeadCount
+  FROM PayPeriodPair AS Pair CROSS JOIN Employee CROSS JOIN PayTotalFigure AS Pay
+    ON Pay.PayYear = Pair.SourceYear AND Pay.PayPeriodNo = Pair.SourcePeriodNo
+       AND Pay.EmployeeSysId = Employee.EmployeeSysId
+  WHERE Employee.CategoryId = 'MGT'
+  GROUP BY Pair.PayYear, Pair.PayPeriodNo, Pay.PayRecType, Pay.EmployeeSysId, Pay.SectionId, Pay.Item1Id
+  UNION ALL
+  SELECT Pair.PayYear AS PayYear, Pair.PayPeriodNo AS PayPeriodNo, Pay.PayRecType AS PayRecType,
+         Pay.EmployeeSysId AS EmployeeSysId, Pay.SectionId AS SectionId, MAX(Pay.Item1Id) AS Item1Id,
+         MAX(Pay.Item2Id) AS Item2Id, MAX(Pay.Item3Id) AS Item3Id, MAX(Pay.Item4Id) AS Item4Id,
+         Pay.Item5Id AS Item5Id, Pay.ItemDesc AS ItemDesc, Pay.LookUpId AS LookUpId,
+         SUM(Pay.Amount * Pair.IsCurrent) AS Amount, SUM(Pay.Amount * (1 - Pair.IsCurrent)) AS PreviousAmount,
+         SUM(Pay.Quantity * Pair.IsCurrent) AS Quantity,
+         SUM(Pay.Quantity * (1 - Pair.IsCurrent)) AS PreviousQuantity,
+         SUM(Pay.HeadCount * Pair.IsCurrent) AS HeadCount,
+         SUM(Pay.HeadCount * (1 - Pair.IsCurrent)) AS PreviousHeadCount
+  FROM PayPeriodPair AS Pair CROSS JOIN Employee CROSS JOIN PaymentFigure AS Pay
+    ON Pay.PayYear = Pair.SourceYear AND Pay.PayPeriodNo = Pair.SourcePeriodNo
+       AND Pay.EmployeeSysId = Employee.EmployeeSysId
+  WHERE Employee.CategoryId = 'MGT'
+  GROUP BY Pair.PayYear, Pair.PayPeriodNo, Pay.PayRecType, Pay.EmployeeSysId, Pay.Item5Id;
+
+-- Management's pay records, each period beside the one before it.
 CREATE VIEW SetupManagementRecon AS
-  SELECT Period.PayYear AS AnlysItemRecYear, Period.PayPeriodNo AS AnlysItemRecPeriodMonth,
-         0 AS AnlysItemRecSubPeriod, Pay.PayRecType AS AnlysPayRecBasis,
-         CAST(Pay.EmployeeSysId AS TEXT) AS Basis1Id, Pay.SectionId AS AnlysDispSectionId,
-         MAX(Pay.Item1Id) AS AnlysItem1Id, MAX(Pay.Item2Id) AS AnlysItem2Id, MAX(Pay.Item3Id) AS AnlysItem3Id,
-         MAX(Pay.Item4Id) AS AnlysItem4Id, Pay.Item5Id AS AnlysItem5Id, MAX(Pay.ItemDesc) AS AnlysItemDesc,
-         MAX(Pay.LookUpId) AS AnlysLookUpId,
-         SUM(CASE WHEN Slot.IsCurrent THEN Pay.Amount ELSE 0 END) AS AnlysAmount1,
-         SUM(CASE WHEN Slot.IsCurrent THEN 0 ELSE Pay.Amount END) AS AnlysFAmount1,
-         ROUND(SUM(CASE WHEN Slot.IsCurrent THEN Pay.Amount ELSE -Pay.Amount END), 2) AS AnlysDoubleValue1,
-         SUM(CASE WHEN Slot.IsCurrent THEN Pay.Quantity ELSE 0 END) AS AnlysAmount2,
-         SUM(CASE WHEN Slot.IsCurrent THEN 0 ELSE Pay.Quantity END) AS AnlysFAmount2,
-         ROUND(SUM(CASE WHEN Slot.IsCurrent THEN Pay.Quantity ELSE -Pay.Quantity END), 2) AS AnlysDoubleValue2,
-         SUM(CASE WHEN Slot.IsCurrent THEN Pay.HeadCount ELSE 0 END) AS AnlysCount1,
-         SUM(CASE WHEN Slot.IsCurrent THEN 0 ELSE Pay.HeadCount END) AS AnlysCount2,
-         SUM(CASE WHEN Slot.IsCurrent THEN Pay.HeadCount ELSE -Pay.HeadCount END) AS AnlysCount3
-  FROM PayPeriod AS Period CROSS JOIN (SELECT 1 AS IsCurrent UNION ALL SELECT 0) AS Slot
-       JOIN PayAnalysis AS Pay
-         ON Pay.PayYear = CASE WHEN Slot.IsCurrent THEN Period.PayYear ELSE Period.PreviousYear END
-         AND Pay.PayPeriodNo = CASE WHEN Slot.IsCurrent THEN Period.PayPeriodNo ELSE Period.PreviousPeriodNo END
-       JOIN Employee ON Employee.EmployeeSysId = Pay.EmployeeSysId AND Employee.CategoryId = 'MGT'
-  GROUP BY Period.PayYear, Period.PayPeriodNo, Pay.PayRecType, Pay.EmployeeSysId, Pay.SectionId,
-           CASE Pay.SectionId WHEN 'BankRecord' THEN '' ELSE Pay.Item1Id END, Pay.Item5Id;
+  SELECT PayYear AS AnlysItemRecYear, PayPeriodNo AS AnlysItemRecPeriodMonth, 0 AS AnlysItemRecSubPeriod,
+         PayRecType AS AnlysPayRecBasis, CAST(EmployeeSysId AS TEXT) AS Basis1Id,
+         SectionId AS AnlysDispSectionId, Item1Id AS AnlysItem1Id, Item2Id AS AnlysItem2Id,
+         Item3Id AS AnlysItem3Id, Item4Id AS AnlysItem4Id, Item5Id AS AnlysItem5Id, ItemDesc AS AnlysItemDesc,
+         LookUpId AS AnlysLookUpId, Amount AS AnlysAmount1, PreviousAmount AS AnlysFAmount1,
+         ROUND(Amount - PreviousAmount, 2) AS AnlysDoubleValue1, Quantity AS AnlysAmount2,
+         PreviousQuantity AS AnlysFAmount2, ROUND(Quantity - PreviousQuantity, 2) AS AnlysDoubleValue2,
+         HeadCount AS AnlysCount1, PreviousHeadCount AS AnlysCount2, HeadCount - PreviousHeadCount AS AnlysCount3
+  FROM ManagementPayPair;
 
 -- Timesheets by employee, job code and date; the date is the text that prints.
 CREATE VIEW SetupTimesheets AS
