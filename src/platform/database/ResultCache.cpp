@@ -14,15 +14,32 @@ std::shared_ptr<const ResultSet> ResultCache::Find(std::string_view sql) {
   const auto found = by_sql_.find(sql);
   if (found == by_sql_.end()) return nullptr;
   if (found->second != entries_.begin()) entries_.splice(entries_.begin(), entries_, found->second);
-  return found->second->result;
+  std::shared_ptr<const ResultSet> result = entries_.front().result;
+  // A search may have built an index meanwhile.
+  if (const std::size_t bytes = BytesOf(entries_.front()); bytes != entries_.front().bytes) {
+    bytes_ += bytes - entries_.front().bytes;
+    entries_.front().bytes = bytes;
+    Shrink();
+  }
+  return result;
+}
+
+std::size_t ResultCache::BytesOf(const Entry& entry) {
+  return entry.result->Bytes() + entry.sql.size() + kEntryOverhead;
 }
 
 void ResultCache::Put(const std::string& sql, std::shared_ptr<const ResultSet> result) {
-  const std::size_t bytes = result->Bytes() + sql.size() + kEntryOverhead;
-  if (bytes > max_bytes_ / kLargestShare || by_sql_.contains(sql)) return;
-  entries_.push_front({sql, std::move(result), bytes});
+  if (by_sql_.contains(sql)) return;
+  Entry entry{sql, std::move(result), 0};
+  entry.bytes = BytesOf(entry);
+  if (entry.bytes > max_bytes_ / kLargestShare) return;
+  bytes_ += entry.bytes;
+  entries_.push_front(std::move(entry));
   by_sql_.emplace(entries_.front().sql, entries_.begin());
-  bytes_ += bytes;
+  Shrink();
+}
+
+void ResultCache::Shrink() {
   while (bytes_ > max_bytes_) {
     bytes_ -= entries_.back().bytes;
     by_sql_.erase(entries_.back().sql);

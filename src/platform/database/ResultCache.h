@@ -27,8 +27,11 @@ class ResultCache {
   struct Entry {
     std::string sql;
     std::shared_ptr<const ResultSet> result;
-    std::size_t bytes;
+    std::size_t bytes;  // as counted in bytes_
   };
+  static std::size_t BytesOf(const Entry& entry);
+  void Shrink();
+
   std::size_t max_bytes_;
   std::size_t bytes_ = 0;
   std::list<Entry> entries_;  // the one asked for last in front

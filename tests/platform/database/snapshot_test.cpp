@@ -5,6 +5,7 @@
 
 #include "platform/database/DatabaseError.h"
 #include "platform/database/Query.h"
+#include "platform/database/ResultCache.h"
 #include "platform/database/TestDatabase.h"
 
 namespace excelexp {
@@ -198,6 +199,27 @@ TEST_P(SnapshotTest, CacheIsBoundedAndDropsTheOldest) {
   const std::string large = "SELECT zeroblob(50000)";  // would push out too much
   EXPECT_NE(database->Select(large), database->Select(large));
   EXPECT_EQ(database->Select(kept), first_kept);
+}
+
+TEST(ResultCache, CountsTheIndexesBuiltAfterwards) {
+  const auto result = [] {
+    ResultSetBuilder builder({"A", "B"});
+    for (int row = 0; row < 1000; ++row) {
+      builder.BeginRow();
+      builder.AddInteger(row);
+      builder.AddNull();
+    }
+    return builder.Finish();
+  };
+  const auto first = result();
+  ResultCache cache(first->Bytes() * 5);
+  cache.Put("first", first);
+  for (const char* sql : {"a", "b", "c"}) cache.Put(sql, result());
+  const std::vector<std::vector<int>> columns = {{0}, {1}, {0, 1}, {1, 0}};
+  for (const std::vector<int>& each : columns) first->Find(each, std::vector<KeyValue>(each.size(), 1));
+  EXPECT_EQ(cache.Find("first"), first);
+  EXPECT_EQ(cache.Find("a"), nullptr);
+  EXPECT_NE(cache.Find("c"), nullptr);
 }
 
 TEST(SqliteWriter, BindsAndReadsEveryKindOfValue) {
