@@ -4,7 +4,6 @@
 #include <array>
 
 #include "engine/DefinitionTables.h"
-#include "platform/database/SqlText.h"
 #include "services/BankPayments.h"
 #include "services/PeriodTexts.h"
 
@@ -183,17 +182,7 @@ bool BExcelExpEngAccumulatedListRpt::LocateItem(const std::string& item_id, cons
 }
 
 std::string BExcelExpEngAccumulatedListRpt::GetAccumulatedRange() {
-  const std::string where = Where("GetAccumulatedRange");
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
-    Fail(where, "Unable to get Analysis Project Details.");
-    return "";
-  }
-  if (core_->SQLQry->RowCount() == 0) {
-    Fail(where, "Empty Analysis Project Details.");
-    return "";
-  }
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
-  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  if (!ReadCycle(Where("GetAccumulatedRange"))) return "";
   std::string text;
   for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
     text += (text.empty() ? "" : ", ") + RangeText();

@@ -144,12 +144,7 @@ bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
   int width = 0;
   if (!CountColumns(width)) return false;
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
-  if (!cells_.OpenTitleScheme(where)) return false;
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
-    return Fail(where, "Unable to get Analysis Project Details.");
-  }
-  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  if (!cells_.OpenTitleScheme(where) || !ReadCycle(where)) return false;
 
   const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   return PrintHeading(current_row_ - 5, YearText(period.year), width) &&

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "platform/database/SqlText.h"
 #include "platform/host/Format.h"
 
 namespace excelexp {
@@ -71,12 +70,7 @@ bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
 bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
   const std::string where = Where("PrintPayPeriodInfo");
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
-  if (!cells_.OpenTitleScheme(where)) return false;
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
-    return Fail(where, "Unable to get Analysis Project Details.");
-  }
-  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  if (!cells_.OpenTitleScheme(where) || !ReadCycle(where)) return false;
 
   const int first_row = current_row_ - 5;
   const int last_row = current_row_ - 2;

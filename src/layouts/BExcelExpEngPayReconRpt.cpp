@@ -83,7 +83,7 @@ bool BExcelExpEngPayReconRpt::PrintBlockHeadings() {
 
 bool BExcelExpEngPayReconRpt::PrintPayPeriodInfo() {
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
-  if (!ReadCycleGroupBy()) return false;
+  if (!ReadCycle(matrix_.project_where)) return false;
   const auto option = [this](std::string_view name) {
     return ExcelRptLayoutQry.FieldByName(name).AsInteger();
   };

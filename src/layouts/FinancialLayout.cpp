@@ -53,6 +53,16 @@ bool FinancialLayout::ReadProject() {
   return true;
 }
 
+bool FinancialLayout::ReadCycle(std::string_view where) {
+  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+    return Fail(where, "Unable to get Analysis Project Details.");
+  }
+  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
+  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
+  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  return true;
+}
+
 std::string FinancialLayout::DataCondition() const {
   return "WHERE AnlysProjectId = " + SqlText(project_id_) + kGap +
          "AND AnlysIPAddress = " + SqlText(core_->DataKey(core_->ExcelWSItemOrdering));

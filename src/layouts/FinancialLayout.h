@@ -53,6 +53,8 @@ class FinancialLayout : public ReportLayout {
 
   bool ReadReport();   ///< fills project_id_
   bool ReadProject();  ///< fills the project's facts
+  /// Reads how the project's periods are called, for headings: cycle_group_by_ and cycle_sub_group_by_.
+  bool ReadCycle(std::string_view where);
   bool OpenRecords();
   /// The conditions on the entity's basis ids, with leading blanks.
   std::string EntityCondition() const;

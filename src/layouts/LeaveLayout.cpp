@@ -70,13 +70,7 @@ bool LeaveLayout::CheckRowDataExist() {
 
 bool LeaveLayout::ReadGroupTexts() {
   const std::string where = LeaveWhere("PrintPayPeriodInfo");
-  if (!cells_.OpenTitleScheme(where)) return false;
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
-    return Fail(where, "Unable to get Analysis Project Details.");
-  }
-  if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
-  return true;
+  return cells_.OpenTitleScheme(where) && ReadCycle(where);
 }
 
 ColumnWalk LeaveLayout::WalkOf(TitleRule titles, bool blank) const {

@@ -206,24 +206,13 @@ ValueColumn MatrixLayout::BankValue(const BankColumn& column, const std::string&
   return {std::string(column.column), std::string(column.type)};
 }
 
-bool MatrixLayout::ReadCycleGroupBy() {
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
-    return Fail(matrix_.project_where, "Unable to get Analysis Project Details.");
-  }
-  if (core_->SQLQry->RowCount() == 0) {
-    return Fail(matrix_.project_where, "Empty Analysis Project Details.");
-  }
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
-  return true;
-}
-
 bool MatrixLayout::PrintHeading(int row, const std::string& text) {
   return cells_.WriteTitle(row, current_col_, text, matrix_.heading_scheme_where);
 }
 
 bool MatrixLayout::PrintPayPeriodInfo() {
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
-  if (!ReadCycleGroupBy()) return false;
+  if (!ReadCycle(matrix_.project_where)) return false;
   const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   const int row = core_->StartPrintedRow;
   return PrintHeading(row - 5, YearText(period.year)) &&

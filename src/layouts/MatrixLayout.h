@@ -87,8 +87,6 @@ class MatrixLayout : public FinancialLayout {
   /// Where a cell finds a component of a bank payment.
   virtual ValueColumn BankValue(const BankColumn& column, const std::string& map_column);
 
-  /// Reads the project's CycleGroupBy for a heading.
-  bool ReadCycleGroupBy();
   /// A text in the title scheme, in the current column.
   bool PrintHeading(int row, const std::string& text);
 
