@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "platform/spreadsheet/FormatCensus.h"
+#include "platform/spreadsheet/NumberFormatCode.h"
 #include "platform/spreadsheet/Palette.h"
 #include "platform/spreadsheet/SpreadsheetError.h"
 #include "platform/spreadsheet/Utf8.h"
@@ -121,7 +122,9 @@ class WorkbookCheck {
     CheckText(format.font_name, "font name", kMaxFontNameUnits);
     CheckText(format.number_format, "number format", kMaxNumberFormatUnits);
     if (format.font_name.empty()) Fail("the font name is empty.");
-    if (format.number_format.empty()) Fail("the number format is empty.");
+    if (const char* problem = NumberFormatProblem(format.number_format)) {
+      Fail(std::string("the number format ") + problem + ".");
+    }
     if (!(format.font_size >= kMinFontSize && format.font_size <= kMaxFontSize))
       Fail("the font size is out of range.");
     if (format.font_colour < 0 || format.font_colour > kPaletteColours)

@@ -198,6 +198,12 @@ TEST_F(WorkbookCheck, SizesAndFormatProperties) {
       {[](CellFormat& f) { f.number_format = Times("0", 256); }, false},
       {[](CellFormat& f) { f.number_format = ""; }, false},
       {[](CellFormat& f) { f.number_format = "\xFF"; }, false},
+      {[](CellFormat& f) { f.number_format = "#,0.00;-#,0.00;\"-;\"_);[Red]@\\;"; }, true},
+      {[](CellFormat& f) { f.number_format = "0;0;0;0;0"; }, false},
+      {[](CellFormat& f) { f.number_format = "0\" kg"; }, false},
+      {[](CellFormat& f) { f.number_format = "[Red0"; }, false},
+      {[](CellFormat& f) { f.number_format = "0\\"; }, false},
+      {[](CellFormat& f) { f.number_format = "0_"; }, false},
   };
   for (std::size_t i = 0; i < changes.size(); ++i) {
     CellFormat format;
