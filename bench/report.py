@@ -18,13 +18,15 @@ class Promise(NamedTuple):
     """`bench` in `unit`, or, when `against` is given, the time of `bench` divided by that of `against`.
 
     `clock` is "cpu" for what one thread computes (other programs on the machine do not count), "real" for
-    what also waits for the disk or for other processes."""
+    what also waits for the disk or for other processes. With a `counter`, the figure is the benchmark's counter
+    of that name and `unit` says what it counts."""
     name: str
     bench: str
     goal: float  # at most
     against: Optional[str] = None
     unit: str = "us"
     clock: str = "cpu"
+    counter: Optional[str] = None
 
 
 # What is compared. A new promise is a new row.
@@ -32,6 +34,16 @@ PROMISES = [
     Promise("definition_query_again", "DefinitionQueryAgain", goal=1.0),
     Promise("locate_four_fields_10000_rows", "LocateFourFields", goal=0.5),
     Promise("read_400000_records_result_set_to_bare", "ReadRecordsResultSet", goal=1 / 0.7, against="ReadRecordsBare"),
+    Promise("xls_400000_cells_to_libxlsxwriter", "WorkbookBytes/XlsCents", goal=0.5,
+            against="WorkbookLibxlsxwriter/Cents"),
+    Promise("xls_400000_cells_published_to_libxlsxwriter", "WorkbookPublished/XlsCents", goal=0.5,
+            against="WorkbookLibxlsxwriter/Cents"),
+    Promise("xlsx_400000_cells_to_libxlsxwriter", "WorkbookBytes/XlsxCents", goal=1.3,
+            against="WorkbookLibxlsxwriter/Cents"),
+    Promise("xls_peak_memory_cents", "WorkbookBytes/XlsCents", goal=64, counter="peak_bytes_per_cell",
+            unit="bytes a cell"),
+    Promise("xls_peak_memory_doubles", "WorkbookBytes/XlsDoubles", goal=64, counter="peak_bytes_per_cell",
+            unit="bytes a cell"),
 ]
 
 
@@ -47,14 +59,14 @@ def run(program: str, name_filter: Optional[str]) -> dict:
 
 
 def medians(report: dict) -> dict:
-    """Benchmark name to its median in nanoseconds by clock."""
+    """Benchmark name to its median in nanoseconds by clock, and to its counters."""
     found = {}
     for entry in report["benchmarks"]:
         if entry.get("error_occurred"):
             raise SystemExit(f"{entry['name']}: {entry.get('error_message', 'failed')}")
         if entry.get("aggregate_name") == "median":
             scale = NANOSECONDS[entry["time_unit"]]
-            found[entry["run_name"]] = {"cpu": entry["cpu_time"] * scale, "real": entry["real_time"] * scale}
+            found[entry["run_name"]] = {**entry, "cpu": entry["cpu_time"] * scale, "real": entry["real_time"] * scale}
     return found
 
 
@@ -70,11 +82,16 @@ def line(promise: Promise, times: dict) -> Optional[str]:
     needed = [promise.bench] + ([promise.against] if promise.against else [])
     if any(name not in times for name in needed):
         return None
-    value = times[promise.bench][promise.clock]
-    value /= times[promise.against][promise.clock] if promise.against else NANOSECONDS[promise.unit]
+    measure = promise.counter or promise.clock
+    value = times[promise.bench][measure]
+    if promise.against:
+        value /= times[promise.against][measure]
+    elif not promise.counter:
+        value /= NANOSECONDS[promise.unit]
     kind, unit = ("ratio", "") if promise.against else ("figure", f" {promise.unit}")
+    what = "" if promise.counter else f", {promise.clock} time"
     met = "met" if value <= promise.goal else "MISSED"
-    return f"{kind} {promise.name} = {value:.3f}{unit} (goal: at most {promise.goal:.3f}, {promise.clock} time: {met})"
+    return f"{kind} {promise.name} = {value:.3f}{unit} (goal: at most {promise.goal:.3f}{what}: {met})"
 
 
 def main() -> int:
