@@ -1,0 +1,69 @@
+#include "platform/spreadsheet/formula/Call.h"
+#include "platform/spreadsheet/formula/Lexis.h"
+
+namespace excelexp::formula {
+namespace {
+
+template <ValueType type, bool expected>
+Value IsType(Call& call) {
+  return Value::Boolean((call[0].type == type) == expected);
+}
+
+Value IsNotAvailable(Call& call) {
+  return Value::Boolean(call[0].IsError() && call[0].error == ErrorCode::kNotAvailable);
+}
+
+Value IsOtherError(Call& call) {
+  return Value::Boolean(call[0].IsError() && call[0].error != ErrorCode::kNotAvailable);
+}
+
+/// CELL of the upper left cell of a block. What depends on the application's windows or on what it changed
+/// last is left to it.
+Value CellInformation(Call& call) {
+  const Value kind = call.Cells().ToScalar(call[0]);
+  const std::string what = SmallLetters(TextOf(kind));
+  if (call.Count() < 2) throw UnknownResult{};
+  const Area& area = call.Cells(1);
+  const int row = area.range.first_row;
+  const int column = area.range.first_col;
+  if (what == "format") return Value::Text(call.Cells().FormatCodeOf(area.sheet->Find(row, column)));
+  if (what == "row") return Value::Number(row);
+  if (what == "col") return Value::Number(column);
+  if (what == "address") {
+    if (area.sheet != call.Cells().Place().sheet) throw UnknownResult{};
+    return Value::Text("$" + ColumnLetters(column) + "$" + std::to_string(row));
+  }
+  if (what == "contents") {
+    const Value value = call.Cells().ReadCell(*area.sheet, row, column);
+    return value.type == ValueType::kEmpty ? Value::Number(0.0) : value;
+  }
+  if (what == "type") {
+    const Value value = call.Cells().ReadCell(*area.sheet, row, column);
+    return Value::Text(value.type == ValueType::kEmpty ? "b" : value.type == ValueType::kText ? "l" : "v");
+  }
+  for (const char* known : {"color", "filename", "parentheses", "prefix", "protect", "width"}) {
+    if (what == known) throw UnknownResult{};
+  }
+  return Value::Error(ErrorCode::kValue);
+}
+
+constexpr Implementation kFunctions[] = {
+    {"CELL", Arguments::kOperands, CellInformation},
+    {"ISBLANK", Arguments::kAnything, IsType<ValueType::kEmpty, true>},
+    {"ISERR", Arguments::kAnything, IsOtherError},
+    {"ISERROR", Arguments::kAnything, IsType<ValueType::kError, true>},
+    {"ISLOGICAL", Arguments::kAnything, IsType<ValueType::kBoolean, true>},
+    {"ISNA", Arguments::kAnything, IsNotAvailable},
+    {"ISNONTEXT", Arguments::kAnything, IsType<ValueType::kText, false>},
+    {"ISNUMBER", Arguments::kAnything, IsType<ValueType::kNumber, true>},
+    {"ISTEXT", Arguments::kAnything, IsType<ValueType::kText, true>},
+    {"NA", Arguments::kScalars, [](Call&) { return Value::Error(ErrorCode::kNotAvailable); }},
+};
+
+}  // namespace
+
+std::span<const Implementation> InformationFunctions() {
+  return kFunctions;
+}
+
+}  // namespace excelexp::formula
