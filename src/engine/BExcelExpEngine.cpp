@@ -2,6 +2,7 @@
 
 #include "engine/DefinitionTables.h"
 #include "engine/ExcelExpEngineFail.h"
+#include "platform/database/DatabaseRegistry.h"
 #include "platform/database/SqlText.h"
 #include "platform/host/Format.h"
 #include "platform/spreadsheet/WorkbookFile.h"
@@ -12,6 +13,14 @@ namespace {
 
 constexpr std::string_view kShortDateFormat = "yyyy-mm-dd";
 constexpr std::string_view kWhere = "BExcelExpEngine::ExecuteOperation";
+
+class RunSnapshot {
+ public:
+  RunSnapshot() { DatabaseRegistry::NoteWrite(); }
+  ~RunSnapshot() { DatabaseRegistry::NoteWrite(); }
+  RunSnapshot(const RunSnapshot&) = delete;
+  RunSnapshot& operator=(const RunSnapshot&) = delete;
+};
 
 }  // namespace
 
@@ -32,6 +41,8 @@ BExcelExpEngine::~BExcelExpEngine() {
 }
 
 int BExcelExpEngine::ExecuteOperation() {
+  // A run sees the database as it is when the run begins, and holds no lock on it when it is over.
+  const RunSnapshot snapshot;
   saved_file_name_.clear();
   outcome_ = Outcome::kFailed;
   try {

@@ -20,7 +20,8 @@ class FieldTypes : public testing::Test {
 
   const Cell* Shown() const { return core.ExcelWorkbook.Get()->FindSheet("Sheet")->Find(1, 1); }
   std::string ShownText() const {
-    return Shown()->type == CellType::kNumber ? "number" : core.ExcelWorkbook.Get()->Text(Shown()->text);
+    if (Shown()->type == CellType::kNumber) return "number";
+    return Shown()->type == CellType::kText ? core.ExcelWorkbook.Get()->Text(Shown()->text) : "";
   }
   std::string ShownFormat() const { return core.ExcelWorkbook.Get()->Format(Shown()->format).number_format; }
 
