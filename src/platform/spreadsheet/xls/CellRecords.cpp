@@ -1,5 +1,6 @@
 #include "platform/spreadsheet/xls/CellRecords.h"
 
+#include <optional>
 #include <string_view>
 
 #include "platform/spreadsheet/xls/RecordTypes.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -89,6 +88,15 @@ void RecordStream::Flush() {
   sink_(flushed_, std::string_view(buffer_.data(), size));
   flushed_ += size;
   end_ = limit_ = buffer_.data();
+}
+
+void WriteFlag(RecordStream& stream, std::uint16_t type, std::uint32_t value) {
+  Record(stream, type)->U16(value);
+}
+
+void WriteEmpty(RecordStream& stream, std::uint16_t type) {
+  stream.Begin(type);
+  stream.End();
 }
 
 void RecordStream::Overflow() {

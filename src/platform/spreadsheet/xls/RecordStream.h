@@ -80,4 +80,9 @@ class Record {
   RecordStream& stream_;
 };
 
+/// A record of nothing but one number of 16 bits.
+void WriteFlag(RecordStream& stream, std::uint16_t type, std::uint32_t value);
+/// A record without data.
+void WriteEmpty(RecordStream& stream, std::uint16_t type);
+
 }  // namespace excelexp::xls

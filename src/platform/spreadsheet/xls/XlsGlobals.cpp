@@ -8,10 +8,6 @@ namespace {
 
 constexpr std::uint32_t kUtf16CodePage = 1200;
 
-void WriteFlag(RecordStream& stream, std::uint16_t type, std::uint32_t value) {
-  Record(stream, type)->U16(value);
-}
-
 /// The name of who opened the file last; nobody. 112 bytes, filled up with blanks ([MS-XLS] 2.4.349).
 void WriteWriteAccess(RecordStream& stream) {
   constexpr std::size_t kSize = 112, kEmptyName = 3;
@@ -22,7 +18,7 @@ void WriteWriteAccess(RecordStream& stream) {
 void WriteInterface(RecordStream& stream) {
   WriteFlag(stream, kInterfaceHdr, kUtf16CodePage);
   WriteFlag(stream, kMms, 0);
-  Record(stream, kInterfaceEnd);
+  WriteEmpty(stream, kInterfaceEnd);
   WriteWriteAccess(stream);
   WriteFlag(stream, kCodePage, kUtf16CodePage);
   WriteFlag(stream, kDsf, 0);
@@ -102,7 +98,7 @@ std::vector<std::size_t> WriteGlobals(RecordStream& stream, const XlsParts& part
   parts.links.WriteNames(stream);
   if (parts.links.NeedsRecalculation()) WriteRecalcId(stream);
   parts.strings.Write(stream);
-  Record(stream, kEof);
+  WriteEmpty(stream, kEof);
   return positions;
 }
 

@@ -9,10 +9,6 @@
 namespace excelexp::xls {
 namespace {
 
-void WriteFlag(RecordStream& stream, std::uint16_t type, std::uint32_t value) {
-  Record(stream, type)->U16(value);
-}
-
 /// INDEX without the positions, which are known only when everything behind it is written.
 class IndexRecord {
  public:
@@ -57,8 +53,8 @@ void WriteViewSettings(RecordStream& stream) {
 /// A4 upright at full size, margins of half an inch for header and footer.
 void WritePageSettings(RecordStream& stream) {
   constexpr std::uint32_t kA4 = 9, kPercent = 100, kPortrait = 0x0002, kDotsPerInch = 600;
-  Record(stream, kHeader);
-  Record(stream, kFooter);
+  WriteEmpty(stream, kHeader);
+  WriteEmpty(stream, kFooter);
   WriteFlag(stream, kHCenter, 0);
   WriteFlag(stream, kVCenter, 0);
   Record record(stream, kSetup);
@@ -137,7 +133,7 @@ void WriteSheet(RecordStream& stream, const XlsParts& parts, const Sheet& sheet,
   for (std::uint32_t block = 0; block < table.Blocks(); ++block) index.Add(table.WriteBlock(stream, block));
   WriteWindow2(stream, selected);
   WriteMerges(stream, sheet.Merges());
-  Record(stream, kEof);
+  WriteEmpty(stream, kEof);
 }
 
 }  // namespace excelexp::xls
