@@ -48,7 +48,7 @@ int BExcelExpEngEmpRptInfo::CheckEmployeeRptData() {
     BecomeFirst("(SELECT DISTINCT " + QualifiedId(population) + " FROM " + Tables(14) + condition + ")");
     return has_data;
   }
-  if (!core_->ExecuteSQL(data + " AND " + QualifiedId(population) + " IN " + core_->FirstWkSheetItemSQL)) {
+  if (!core_->ExecuteSQL(data + " AND " + QualifiedId(population) + " IN " + core_->FirstWkSheetItemIdSQL)) {
     return -1;
   }
   return core_->SQLQry->RowCount() > 0 ? has_data : 0;
@@ -70,6 +70,7 @@ void BExcelExpEngEmpRptInfo::BecomeFirst(const std::string& restriction) {
   SetFirstWSItemHasGrandTot(0);
   SetFirstWSItemHasTotEmpCt(EmployeeRptDetailQry.FieldByName("EmployeeRptHasEmpCt").AsInteger());
   SetFirstWkSheetItemSQL(restriction);
+  core_->SetFirstWkSheetItemIdSQL(restriction);
 }
 
 }  // namespace excelexp

@@ -134,28 +134,31 @@ int BExcelExpEngFinRptInfo::CheckFinancialRptData() {
   SetFirstWSItemAnalysProj(project);
   SetFirstWSItemHasGrandTot(FinancialRptDetailsQry.FieldByName("FinancialHasGrandTot").AsInteger());
   SetFirstWSItemHasTotEmpCt(FinancialRptDetailsQry.FieldByName("FinancialHasTotEmpCt").AsInteger());
-  SetFirstWkSheetItemSQL(EntityRestriction(project, key));
+  SetRestriction(project, key);
   return 1;
 }
 
-/// A parenthesised select that follows "Basis1Id IN". At basis level the inner selects refer to the row that
-/// is tested, so that whole combinations of ids are kept. A summary level that is none of the known ones
-/// keeps its first id, like an employee.
-std::string BExcelExpEngFinRptInfo::EntityRestriction(const std::string& project,
-                                                      const std::string& key) const {
+/// The restriction follows "Basis1Id IN". At basis level its inner selects refer to the row that is tested,
+/// so that whole combinations of ids are kept. A summary level that is none of the known ones keeps its first
+/// id, like an employee.
+void BExcelExpEngFinRptInfo::SetRestriction(const std::string& project, const std::string& key) {
   static const std::string gap(20, ' ');
   if (request_.SummaryLevel != summary_level::kBasis) {
-    return "(SELECT DISTINCT Basis1Id FROM AnlysItemRecord WHERE AnlysProjectId = " + SqlText(project) + gap +
-           "AND AnlysIPAddress = " + SqlText(key) + ")";
+    SetFirstWkSheetItemSQL("(SELECT DISTINCT Basis1Id FROM AnlysItemRecord WHERE AnlysProjectId = " +
+                           SqlText(project) + gap + "AND AnlysIPAddress = " + SqlText(key) + ")");
+    core_->SetFirstWkSheetItemIdSQL(core_->FirstWkSheetItemSQL);
+    return;
   }
   const auto ids = [&](const std::string& basis) {
     return "(SELECT DISTINCT " + basis +
            " FROM AnlysItemRecord AR WHERE AR.AnlysProjectId = " + SqlText(project) + gap +
            "AND AR.AnlysIPAddress = " + SqlText(key);
   };
-  return ids("Basis1Id") + ") AND Basis2Id IN" + gap + ids("Basis2Id") + gap +
-         "AND AR.Basis1Id = AnlysItemRecord.Basis1Id) AND Basis3Id IN" + gap + ids("Basis3Id") + gap +
-         "AND AR.Basis1Id = AnlysItemRecord.Basis1Id AND AR.Basis2Id = AnlysItemRecord.Basis2Id)";
+  core_->SetFirstWkSheetItemIdSQL(ids("Basis1Id") + ")");
+  SetFirstWkSheetItemSQL(
+      core_->FirstWkSheetItemIdSQL + " AND Basis2Id IN" + gap + ids("Basis2Id") + gap +
+      "AND AR.Basis1Id = AnlysItemRecord.Basis1Id) AND Basis3Id IN" + gap + ids("Basis3Id") + gap +
+      "AND AR.Basis1Id = AnlysItemRecord.Basis1Id AND AR.Basis2Id = AnlysItemRecord.Basis2Id)");
 }
 
 }  // namespace excelexp

@@ -31,7 +31,7 @@ class BExcelExpEngFinRptInfo {
   void FillRequest();
   bool FillAsOfDate();
   bool JudgeResult(int result);
-  std::string EntityRestriction(const std::string& project, const std::string& key) const;
+  void SetRestriction(const std::string& project, const std::string& key);
 
   BExcelExpEngCore* core_;
   AnlysProjectStructure request_;

@@ -60,6 +60,7 @@ class BExcelExpEngCore : public BPayEngMemo {
 
   bool FirstWkSheetItem = false;  ///< true once an item of the worksheet had data; its facts follow
   std::string FirstWkSheetItemSQL;
+  std::string FirstWkSheetItemIdSQL;  ///< its select of the entities' first ids; all of it below basis level
   std::string FirstWSItemAnalysProj;
   std::string FirstWSItemEmpRptType;
   int FirstWSItemEmpHasFilter = 0;
@@ -95,6 +96,7 @@ class BExcelExpEngCore : public BPayEngMemo {
   void SetExcelWSItemOrdering(int ordering) { ExcelWSItemOrdering = ordering; }
   void SetFirstWkSheetItem(bool first) { FirstWkSheetItem = first; }
   void SetFirstWkSheetItemSQL(const std::string& sql) { FirstWkSheetItemSQL = sql; }
+  void SetFirstWkSheetItemIdSQL(const std::string& sql) { FirstWkSheetItemIdSQL = sql; }
   void SetFirstWSItemAnalysProj(const std::string& project) { FirstWSItemAnalysProj = project; }
   void SetFirstWSItemEmpRptType(const std::string& type) { FirstWSItemEmpRptType = type; }
   void SetFirstWSItemEmpHasFilter(int has_filter) { FirstWSItemEmpHasFilter = has_filter; }

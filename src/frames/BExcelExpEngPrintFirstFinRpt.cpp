@@ -6,6 +6,7 @@
 #include "frames/LayoutTable.h"
 #include "platform/database/SqlText.h"
 #include "services/BExcelExpEngCalcFields.h"
+#include "services/Population.h"
 
 namespace excelexp {
 namespace {
@@ -195,9 +196,11 @@ bool BExcelExpEngPrintFirstFinRpt::EntityListSql(std::string& sql) {
     if (Grouped()) sql += " AND Basis1Id IN (SELECT DISTINCT CompanyId FROM Company" + condition + ")";
     sql += OrderBy(sort_select_);
   } else {
-    sql = "SELECT DISTINCT Basis1Id, '' AS Basis2Id, '' AS Basis3Id" + AlsoSelect(sort_select_) +
-          " FROM AnlysItemRecord JOIN (Employee JOIN Personal)" + kGap + "ON Basis1Id = EmployeeSysId" +
-          DataCondition(kGap, "=");
+    sql =
+        "SELECT DISTINCT Basis1Id, '' AS Basis2Id, '' AS Basis3Id" + AlsoSelect(sort_select_) +
+        " FROM AnlysItemRecord JOIN (Employee JOIN Personal)" + kGap + "ON Basis1Id = EmployeeSysId" +
+        DataCondition(kGap, "=") + " AND " +
+        (Grouped() ? InViewOneByOne(core_, kEmployees, "Employee.EmployeeSysId") : InView(core_, kEmployees));
     if (Grouped()) {
       sql += " AND Basis1Id IN (SELECT DISTINCT EmployeeSysId FROM Employee JOIN Personal" + condition + ")";
     }
@@ -239,7 +242,7 @@ bool BExcelExpEngPrintFirstFinRpt::GroupListSql(std::string& sql) {
            OrderBy(group_select_);
   } else {
     sql += " JOIN (Employee JOIN Personal)" + kGap + "ON Basis1Id = EmployeeSysId" +
-           DataCondition(kGap, "= ") + OrderBy(group_names_);
+           DataCondition(kGap, "= ") + " AND " + InView(core_, kEmployees) + OrderBy(group_names_);
   }
   return true;
 }

@@ -134,27 +134,30 @@ InformationFrame::InformationFrame(BExcelExpEngCore* core, std::vector<WkSheetIt
                                    const InformationFrameTraits& traits)
     : BandedFrame(core, items, traits.frame), people_(traits) {}
 
-std::string InformationFrame::SelectedPeople() const {
+std::string InformationFrame::SelectedPeople(const std::string& in_view) const {
   const std::string filter = FilterCondition(core_->FirstWSItemEmpHasFilter, core_->FirstWSItemEmpFilter);
   return " FROM " + core_->FirstWSItemEmpRptType + " WHERE " + (filter.empty() ? "" : filter + " AND ") +
-         InView(core_, people_.population);
+         in_view;
 }
 
 bool InformationFrame::GroupListSql(std::string& sql) {
-  sql = "SELECT DISTINCT " + group_select_ + SelectedPeople();
+  sql = "SELECT DISTINCT " + group_select_ + SelectedPeople(InView(core_, people_.population));
   if (!group_names_.empty()) sql += " ORDER BY " + group_names_;
   return true;
 }
 
 bool InformationFrame::EntityListSql(std::string& sql) {
+  const std::string id = QualifiedId(people_.population);
   sql = "SELECT DISTINCT " + std::string(people_.entity_columns);
   if (!sort_select_.empty()) sql += ", " + sort_select_;
-  sql += SelectedPeople();
   if (Grouped()) {
-    sql += " AND " + QualifiedId(people_.population) + " IN (SELECT DISTINCT " +
-           std::string(people_.group_members);
+    // A group is small: reading the whole view for each would cost more than everything else.
+    sql += SelectedPeople(InViewOneByOne(core_, people_.population, id)) + " AND " + id +
+           " IN (SELECT DISTINCT " + std::string(people_.group_members);
     if (!group_condition_.empty()) sql += " WHERE " + group_condition_;
     sql += ")";
+  } else {
+    sql += SelectedPeople(InView(core_, people_.population));
   }
   if (!sort_names_.empty()) sql += " ORDER BY " + sort_names_;
   return true;

@@ -41,8 +41,8 @@ class InformationFrame : public BandedFrame {
   bool LogEntity() override;
 
  private:
-  /// " FROM tables WHERE " with the conditions on who is printed.
-  std::string SelectedPeople() const;
+  /// " FROM tables WHERE " with the conditions on who is printed; `in_view` is the view's.
+  std::string SelectedPeople(const std::string& in_view) const;
 
   const InformationFrameTraits& people_;
 };

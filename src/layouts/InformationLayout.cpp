@@ -79,16 +79,17 @@ bool InformationLayout::OpenData() {
   const auto piece = [this](std::string_view name) {
     return ExcelEmpRptDetailQry.FieldByName(name).AsString();
   };
-  const int id = core_->EmpCoyBasisQry->FieldByName(traits_.entity_column).AsInteger();
+  const std::string id =
+      std::to_string(core_->EmpCoyBasisQry->FieldByName(traits_.entity_column).AsInteger());
   std::string sql = "SELECT DISTINCT " + SelectList() + " FROM " + piece("ExcelEmpRptTable1") + gap +
                     piece("ExcelEmpRptTable2") + gap + piece("ExcelEmpRptTable3") + " WHERE" +
-                    std::string(12, ' ') + QualifiedId(traits_.population) + " = " + std::to_string(id);
+                    std::string(12, ' ') + QualifiedId(traits_.population) + " = " + id;
   const std::string filter = FilterCondition(EmployeeRptQry.FieldByName("EmployeeRptHasFilter").AsInteger(),
                                              EmployeeRptQry.FieldByName("EmployeeRptFilterCond").AsString());
   if (!filter.empty()) sql += " AND " + filter;
   // In a financial frame the entity need not be an employee of the view: the code of a company, read as a
   // number, may be anybody's id.
-  sql += " AND " + InView(core_, traits_.population, id);
+  sql += " AND " + InViewOneByOne(core_, traits_.population, id);
   return core_->OpenOrLog(EmpRptInfoQry, sql, Where("ExecuteOperation"), "EmpRptInfoQry", Rows::kOptional);
 }
 

@@ -21,9 +21,9 @@ std::string InView(const BExcelExpEngCore* core, const Population& population) {
   return SelectFromView(core, population) + ")";
 }
 
-std::string InView(const BExcelExpEngCore* core, const Population& population, int id) {
-  return SelectFromView(core, population) + " WHERE " + std::string(population.id) + " = " +
-         std::to_string(id) + ")";
+std::string InViewOneByOne(const BExcelExpEngCore* core, const Population& population,
+                           const std::string& id) {
+  return SelectFromView(core, population) + " WHERE " + std::string(population.id) + " = " + id + ")";
 }
 
 std::string FilterCondition(int has_filter, const std::string& condition) {

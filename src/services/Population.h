@@ -23,9 +23,9 @@ std::string QualifiedId(const Population& population);
 
 /// The condition that keeps the people whom the user may see.
 std::string InView(const BExcelExpEngCore* core, const Population& population);
-/// The same where only this person can be selected. It asks the view for the one id, so that its cost does
-/// not grow with the number of people.
-std::string InView(const BExcelExpEngCore* core, const Population& population, int id);
+/// The same for statements that select few people: it asks the view for each `id` (an expression) alone
+/// instead of reading it whole, so that its cost does not grow with the number of people in the view.
+std::string InViewOneByOne(const BExcelExpEngCore* core, const Population& population, const std::string& id);
 
 /// The stored condition of a report that has a filter, else "". In parentheses: an OR inside it must not let
 /// anybody past the conditions beside it.

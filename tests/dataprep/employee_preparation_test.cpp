@@ -103,6 +103,14 @@ TEST_F(EmployeePreparation, LaterReportsNeedPeopleOfTheFirst) {
   scenario_.Execute("DELETE FROM AnlysItemRecord WHERE Basis1Id = '4'");
   EXPECT_EQ(Prepare("Works"), 0);
 
+  // At basis level people are compared with the first ids alone.
+  scenario_.Execute("UPDATE AnlysProject SET SummaryLevel = 'SumLevelBasis'");
+  core_.SetFirstWkSheetItem(false);
+  core_.SetExcelWSItemRptId("Pay");
+  EXPECT_EQ(BExcelExpEngFinRptInfo(&core_).ExecuteOperation(), 1);
+  EXPECT_EQ(Prepare("Works"), 1);
+  EXPECT_EQ(Prepare("Nobody"), 0);
+
   // And the other way round: pay figures of people whom the employee report has.
   EXPECT_EQ(PrepareAlone("Sales"), 1);
   core_.SetExcelWSItemRptId("Pay");
