@@ -54,6 +54,12 @@ std::string InformationItemSql(const InformationItem& item) {
          Texts({"EmployeeRpt", item.id}) + ");\n";
 }
 
+std::string PayItemSql(int ordering) {
+  return "INSERT INTO ExcelWkSheetItem VALUES (300, 1, " + std::to_string(ordering) +
+         ", 'FinancialRpt', 'Pay');\n"
+         "INSERT INTO ExcelWSItemRptOpts (WkSheetItemSysId) VALUES (300);\n";
+}
+
 std::string InformationColumnSql(const InformationColumn& column) {
   return Insert("EmpColItem", "EmpColItemSysId",
                 "EmpInfoRptId, EmpColItemType, EmpColSysTableId, EmpColSysAttributeId, EmpColItemTitle, "

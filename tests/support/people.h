@@ -20,6 +20,9 @@ struct InformationItem {
 };
 std::string InformationItemSql(const InformationItem& item);
 
+/// The report 'Pay' as an item of worksheet 1.
+std::string PayItemSql(int ordering);
+
 /// A column; of type "BlankItem" when it has no attribute.
 struct InformationColumn {
   int order = 1;

@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -75,6 +76,25 @@ std::string ScenarioRun::Lines(const std::vector<std::string>& log) {
     if (!framed && !rule) lines += log[i] + "\n";
   }
   return lines;
+}
+
+std::vector<std::string> ScenarioRun::Errors() const {
+  std::vector<std::string> errors;
+  for (const std::string& line : internal_log) {
+    if (line.find("Error") != std::string::npos) errors.push_back(line);
+  }
+  return errors;
+}
+
+bool ScenarioRun::Shows(std::string_view text) const {
+  const auto contains = [text](const std::string& line) { return line.find(text) != std::string::npos; };
+  if (std::any_of(user_log.begin(), user_log.end(), contains)) return true;
+  if (std::any_of(internal_log.begin(), internal_log.end(), contains)) return true;
+  if (workbook.IsEmpty()) return false;
+  const auto& sheets = workbook.Get()->Sheets();
+  return std::any_of(sheets.begin(), sheets.end(), [&](const auto& sheet) {
+    return contains(DumpSheet(*workbook.Get(), *sheet, {.formulas = true}));
+  });
 }
 
 /// Passes statements on to the real database, except those that a test wants to fail.

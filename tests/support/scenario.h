@@ -72,6 +72,10 @@ struct ScenarioRun {
   std::string Grid(std::string_view sheet, GridOptions options = {}) const;
   /// The lines of a log that are not banners or empty, joined by line feeds.
   static std::string Lines(const std::vector<std::string>& log);
+  /// The error entries of the internal log, from the innermost operation outwards.
+  std::vector<std::string> Errors() const;
+  /// True when a line of a log or a cell shows the text.
+  bool Shows(std::string_view text) const;
 };
 
 /// A payroll database of the real schema in a file of its own, registered as "varndb", and runs of the engine
