@@ -81,31 +81,44 @@ def connect(pipe):
     raise SystemExit(f"LibreOffice did not answer within {START_SECONDS} s")
 
 
-@contextlib.contextmanager
-def calc():
+class Calc:
     """LibreOffice with a profile of its own, so that neither settings nor a running copy matter."""
-    with tempfile.TemporaryDirectory(prefix="excelexp-calc-") as profile:
-        pipe = pathlib.Path(profile).name
-        office = subprocess.Popen(["soffice", "--headless", "--norestore", "--nologo", "--nodefault",
-                                   f"-env:UserInstallation=file://{profile}", f"--accept=pipe,name={pipe};urp;"],
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def __enter__(self):
+        self.profile = tempfile.TemporaryDirectory(prefix="excelexp-calc-")
+        pipe = pathlib.Path(self.profile.name).name
+        self.program = subprocess.Popen(
+            ["soffice", "--headless", "--norestore", "--nologo", "--nodefault",
+             f"-env:UserInstallation=file://{self.profile.name}", f"--accept=pipe,name={pipe};urp;"],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
-            desktop = connect(pipe)
-            yield desktop
-            with contextlib.suppress(Exception):  # the connection ends with the program
-                desktop.terminate()
-            office.wait(timeout=START_SECONDS)
-        finally:
-            office.kill()
+            self.desktop = connect(pipe)
+        except BaseException:
+            self.program.kill()
+            raise
+        return self
+
+    def recalculated(self, path):
+        hidden = PropertyValue(Name="Hidden", Value=True)
+        document = self.desktop.loadComponentFromURL(path.resolve().as_uri(), "_blank", 0, (hidden,))
+        document.calculateAll()
+        return document
+
+    def __exit__(self, *_):
+        with contextlib.suppress(Exception):  # the connection ends with the program
+            self.desktop.terminate()
+        try:
+            self.program.wait(timeout=START_SECONDS)
+        except subprocess.TimeoutExpired:
+            self.program.kill()
+        self.profile.cleanup()
 
 
 def main():
     checks = Checks()
-    with fixture_folder(sys.argv[1]) as folder, calc() as desktop:
+    with fixture_folder(sys.argv[1]) as folder, Calc() as calc:
         for path in workbooks(folder):
-            hidden = PropertyValue(Name="Hidden", Value=True)
-            document = desktop.loadComponentFromURL(path.resolve().as_uri(), "_blank", 0, (hidden,))
-            document.calculateAll()
+            document = calc.recalculated(path)
             compare_results(checks, path, CalcBook(document), "Calc")
             document.close(True)
     return checks.finish()
