@@ -110,6 +110,31 @@ std::string ColumnItemSql(const ColumnItem& item) {
          ", COALESCE(MAX(FinColItemSysId), 0) + 1 FROM FinanceColItem;\n";
 }
 
+std::string RowItemSql(const RowItem& item) {
+  return "INSERT INTO FinanceRowItem (FinancialRptId, FinRowItemOrder, FinRowItemType, FinRowItem, "
+         "FinRowGrouping, FinRowComponent, FinRowItemTitle, FinRowExcelFormula, ColourSchemeId, "
+         "FinRowItemSysId) SELECT " +
+         SqlText(item.report) + ", " + std::to_string(item.order) + ", " + SqlText(item.type) + ", " +
+         SqlText(item.item) + ", " + SqlText(item.grouping) + ", " + SqlText(item.component) + ", " +
+         SqlText(item.title) + ", " + SqlText(item.formula) + ", " + SqlText(item.scheme) +
+         ", COALESCE(MAX(FinRowItemSysId), 0) + 1 FROM FinanceRowItem;\n";
+}
+
+std::string ChosenPeriodSql(int year, int period, const std::string& pay_record, int sub_period,
+                            int ordering) {
+  return "INSERT INTO ExcelWSItemRptLayout SELECT " + std::to_string(100 + ordering) + ", COUNT(*) + 1, " +
+         std::to_string(year) + ", " + std::to_string(period) + ", " + std::to_string(sub_period) + ", " +
+         SqlText(pay_record) + " FROM ExcelWSItemRptLayout;\n";
+}
+
+std::string PeriodRangeSql(int from_year, int from_period, int to_year, int to_period, int ordering) {
+  return "UPDATE ExcelWSItemRptOpts SET WSItemFromYear = " + std::to_string(from_year) +
+         ", WSItemFromMthPeriod = " + std::to_string(from_period) +
+         ", WSItemToYear = " + std::to_string(to_year) +
+         ", WSItemToMthPeriod = " + std::to_string(to_period) +
+         " WHERE WkSheetItemSysId = " + std::to_string(100 + ordering) + ";\n";
+}
+
 std::string GroupSql(int order, const std::string& table, const std::string& field, const std::string& title,
                      int sub_total, int employee_count) {
   return "INSERT INTO FinanceGrpItem VALUES " +

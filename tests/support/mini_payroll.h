@@ -51,6 +51,27 @@ struct ColumnItem {
 };
 std::string ColumnItemSql(const ColumnItem& item);
 
+/// A row item of a report.
+struct RowItem {
+  std::string report = "R1";
+  int order = 1;
+  std::string type = "AnlysItem";
+  std::string item = "";
+  std::string grouping = "";
+  std::string component = "";
+  std::string title = "";
+  std::string formula = "";
+  std::string scheme = "Body";
+};
+std::string RowItemSql(const RowItem& item);
+
+/// A pay period chosen for the item of that ordering; the periods print in the order of the calls.
+std::string ChosenPeriodSql(int year, int period, const std::string& pay_record = "Normal",
+                            int sub_period = 0, int ordering = 1);
+
+/// The period range of the item of that ordering.
+std::string PeriodRangeSql(int from_year, int from_period, int to_year, int to_period, int ordering = 1);
+
 /// A grouping level of report R1.
 std::string GroupSql(int order, const std::string& table, const std::string& field, const std::string& title,
                      int sub_total, int employee_count);

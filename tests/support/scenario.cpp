@@ -66,6 +66,17 @@ std::string ScenarioRun::Grid(std::string_view sheet, GridOptions options) const
   return DumpSheet(*workbook.Get(), *found, options);
 }
 
+double ScenarioRun::Result(std::string_view sheet, int row, int column) const {
+  const Sheet* found = workbook.IsEmpty() ? nullptr : workbook.Get()->FindSheet(sheet);
+  const Cell* cell = found == nullptr ? nullptr : found->Find(row, column);
+  if (cell != nullptr && cell->type == CellType::kFormula) {
+    const FormulaResult& shown = workbook.Get()->FormulaAt(cell->formula).result;
+    if (shown.type == FormulaResult::Type::kNumber) return shown.number;
+  }
+  ADD_FAILURE() << "no number in " << GetCellName(row, column) << " of " << sheet;
+  return 0.0;
+}
+
 std::string ScenarioRun::Lines(const std::vector<std::string>& log) {
   std::string lines;
   for (std::size_t i = 0; i < log.size(); ++i) {

@@ -70,6 +70,8 @@ struct ScenarioRun {
   Handle workbook;  ///< as it was saved; empty when nothing was
   /// A sheet as a grid; a test failure and "" when there is no such sheet.
   std::string Grid(std::string_view sheet, GridOptions options = {}) const;
+  /// The number that a cell's formula came to; a test failure and 0 when it is no number.
+  double Result(std::string_view sheet, int row, int column) const;
   /// The lines of a log that are not banners or empty, joined by line feeds.
   static std::string Lines(const std::vector<std::string>& log);
   /// The error entries of the internal log, from the innermost operation outwards.
