@@ -21,6 +21,7 @@ constexpr MatrixTraits kTraits = {
     .heading_scheme_where = "BExcelExpEngStatisticsRpt::PrintPayPeriodInfo",
     .project_where = "BExcelExpEngStatisticsRpt::PrintPayPeriodInfo",
     .component_groupings = kComponentGroupings,
+    .formats_formulas = false,  // a year to date of rates would be a wrong figure: theirs stays empty
     .summary = {.title = "YTD", .formula = YearToDate}};
 
 }  // namespace

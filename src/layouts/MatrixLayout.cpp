@@ -142,7 +142,7 @@ bool MatrixLayout::PrintCell(const MatrixColumn& column) {
     cells_.WriteFormula(current_row_, current_col_,
                         formulas_.DecodeRowExcelFormula(RowText("FinRowExcelFormula"), AllFormulaQry,
                                                         current_cell_, current_col_));
-    cells_.WriteAmountFormat(CurrentCell());  // summaries and totals take the amount formats only
+    if (matrix_.formats_formulas) cells_.WriteAmountFormat(CurrentCell());
   } else if (type == item_type::kBlank) {
     cells_.WriteText(current_row_, current_col_, "");
   }

@@ -42,6 +42,7 @@ struct MatrixTraits {
   std::string_view project_where = "";         ///< named when the project's cycle cannot be read
 
   std::span<const std::string_view> component_groupings = {};  ///< whose items are found by component
+  bool formats_formulas = true;  ///< calculated cells get the amount format, which summaries ask for
   SummaryColumn summary = {};
   int gap_after_period = 0;  ///< blank columns behind the columns of each period
   int rows_below = 0;        ///< blank rows below the last row that belong to the block
