@@ -1,5 +1,6 @@
 #include <array>
 #include <cstdio>
+#include <iterator>
 
 #include "demo/DemoCalendar.h"
 #include "demo/DemoPeople.h"
@@ -31,7 +32,7 @@ struct Terms {
   std::string_view positions[2];
 };
 const Terms& TermsOf(Category category) {
-  static constexpr Terms kManagement = {700, 1400, 6, {"GM", "DM"}};
+  static constexpr Terms kManagement = {700, 1400, 6, {"DM", "PM"}};
   static constexpr Terms kExecutive = {400, 700, 6, {"SX", "EX"}};
   static constexpr Terms kStaff = {240, 400, 3, {"OF", "AS"}};
   static constexpr Terms kOperations = {180, 280, 3, {"TC", "OP"}};
@@ -83,9 +84,11 @@ void DrawPerson(DemoEmployee& employee, std::uint64_t seed) {
   employee.employee_id = id.data();
 }
 
-void DrawWorkplace(DemoEmployee& employee, DemoRandom& random) {
+void DrawWorkplace(int number, DemoEmployee& employee, DemoRandom& random) {
   const bool plant = employee.category == Category::kOperations;
-  employee.department = plant ? random.Pick(kPlantDepartments) : random.Pick(kDepartments);
+  // In turn, so that no department of a small demo is empty.
+  employee.department = plant ? kPlantDepartments[number / 2 % std::size(kPlantDepartments)]
+                              : kDepartments[(number + number / kRoleCount) % std::size(kDepartments)];
   employee.company = random.Chance(35) ? "002" : "001";
   employee.position = random.Pick(TermsOf(employee.category).positions);
   for (const Sections& sections : kSections) {
@@ -161,7 +164,7 @@ DemoEmployee DrawEmployee(std::uint64_t seed, int number) {
   employee.shifts = role.category == Category::kOperations && !role.hourly;
   DrawPerson(employee, seed);
   DemoRandom random(seed, employee.sys_id, kDrawEmployment);
-  DrawWorkplace(employee, random);
+  DrawWorkplace(number, employee, random);
   DrawDates(employee, random);
   DrawRates(employee, random);
   DrawFixedItems(employee, random);

@@ -10,6 +10,12 @@ namespace {
 constexpr int kAnnualHalves[] = {42, 36, 28, 28};  // by category, in half days
 constexpr int kSickHalves = 28;
 
+/// The day, or the Monday after it.
+DemoDay WorkingDayFrom(DemoDay day) {
+  while (std::chrono::weekday(day).iso_encoding() > 5) day += std::chrono::days(1);
+  return day;
+}
+
 /// One employee's leave of the year: what is given, and what is taken as long as it lasts.
 class LeaveOfYear {
  public:
@@ -34,7 +40,7 @@ class LeaveOfYear {
  private:
   void TakeInMonth(const DemoEmployee& employee, int month, DemoRandom& random) {
     if (random.Chance(40))
-      Take(employee, month, random.Between(1, 12), "ANNUAL", "Normal", random.Between(1, 6));
+      Take(employee, month, random.Between(1, 10), "ANNUAL", "Normal", random.Between(1, 6));
     if (random.Chance(12))
       Take(employee, month, random.Between(13, 22), "ANNUAL", "Adjust", random.Between(1, 2));
     if (random.Chance(15))
@@ -44,7 +50,7 @@ class LeaveOfYear {
   void Take(const DemoEmployee& employee, int month, int day, std::string_view type,
             std::string_view pay_rec_type, int halves) {
     int& left = type == "SICK" ? sick_left_ : annual_left_;
-    const DemoDay date = DayOf(kDemoYear, month, day);
+    const DemoDay date = WorkingDayFrom(DayOf(kDemoYear, month, day));
     if (halves > left || !employee.EmployedBetween(date, date)) return;
     left -= halves;
     // A single half day is the afternoon.

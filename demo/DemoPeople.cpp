@@ -1,6 +1,6 @@
 #include "demo/DemoPeople.h"
 
-#include <array>
+#include <algorithm>
 
 #include "demo/DemoCalendar.h"
 #include "demo/DemoPurposes.h"
@@ -13,7 +13,14 @@ constexpr std::string_view kCategoryIds[] = {"MGT", "EXE", "STF", "OPR"};
 constexpr std::string_view kGrades[] = {"G5", "G4", "G2", "G1"};
 constexpr std::string_view kCourses[] = {"Safety at work", "Spreadsheet basics", "Team leadership",
                                          "Forklift licence"};
-constexpr std::string_view kChildren[] = {"Aron", "Bea", "Carl", "Dina", "Edda", "Finn", "Gus", "Hanne"};
+struct GivenName {
+  std::string_view name;
+  bool male;
+};
+constexpr GivenName kGivenNames[] = {{"Aron", true},  {"Bea", false},   {"Carl", true}, {"Dina", false},
+                                     {"Edda", false}, {"Finn", true},   {"Gus", true},  {"Hanne", false},
+                                     {"Isak", true},  {"Jolie", false}, {"Kuno", true}, {"Lotte", false}};
+constexpr std::string_view kOutsiders[] = {"Outerbridge", "Farnaway", "Strangeways", "Beckonridge"};
 
 std::string_view CategoryId(const DemoEmployee& employee) {
   return kCategoryIds[static_cast<int>(employee.category)];
@@ -47,11 +54,12 @@ class PeopleWriter {
   /// An applicant or a contractor: a person without an employment.
   void WriteOutsider(int sys_id) {
     DemoRandom random(seed_, sys_id, kDrawOutsider);
-    const std::string name = std::string(random.Pick(kChildren)) + " Outerbridge";
+    const GivenName& given = random.Pick(kGivenNames);
+    const std::string name = std::string(given.name) + " " + std::string(random.Pick(kOutsiders));
     personal_.Insert({sys_id, name, "X" + std::to_string(700000 + sys_id), "PAS",
-                      random.Chance(60) ? "APP" : "CON", random.Chance(50) ? "1" : "0",
-                      DrawDay(random, 1970, 2003), "MR", "S", std::to_string(random.Between(1, 3)), "N",
-                      std::nullopt, EmailOf(name, sys_id)});
+                      sys_id % 2 == 0 ? "APP" : "CON", given.male ? "1" : "0", DrawDay(random, 1970, 2003),
+                      given.male ? "MR" : "MS", "S", std::to_string(random.Between(1, 3)), "N", std::nullopt,
+                      EmailOf(name, sys_id)});
   }
 
  private:
@@ -117,10 +125,12 @@ class PeopleWriter {
     if (random.Chance(35)) return;
     family_.Insert({++family_count_, employee.sys_id, (employee.male ? "Vera" : "Hugo") + family_name,
                     "Spouse", DrawDay(random, birth_year - 4, birth_year + 4), employee.male ? "0" : "1"});
+    const int last_year = std::min(birth_year + 36, kDemoYear);
+    if (birth_year + 24 > last_year) return;
     for (int child = random.Below(4); child > 0; --child) {
-      family_.Insert({++family_count_, employee.sys_id, std::string(random.Pick(kChildren)) + family_name,
-                      "Child", DrawDay(random, birth_year + 24, birth_year + 34),
-                      random.Chance(50) ? "1" : "0"});
+      const GivenName& given = random.Pick(kGivenNames);
+      family_.Insert({++family_count_, employee.sys_id, std::string(given.name) + family_name, "Child",
+                      DrawDay(random, birth_year + 24, last_year), given.male ? "1" : "0"});
     }
   }
 
