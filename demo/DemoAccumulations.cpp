@@ -19,14 +19,13 @@ DemoFinancialRpt Quarter() {
       .columns = {MainField("Employee", "EmployeeId", "Employee"),
                   MainField("Employee", "EmployeeName", "Name", "Name"),
                   Accumulated(Total("PaySystem", "PayHeadCount", "Paid", "Note"), normal, false),
-                  Accumulated(Total("PaySystem", "GrossWage", "Gross wage"), normal),
-                  Accumulated(Amount("PayElement", "BASIC", "PayElementAmt", "Basic pay"), every_type),
+                  Accumulated(Total("PaySystem", "GrossWage", "Gross wage", "AmountWide"), normal),
+                  Accumulated(Amount("PayElement", "BASIC", "PayElementAmt", "Basic pay", "AmountWide"),
+                              every_type),
                   Accumulated(EveryItem("Allowance", "AllowanceAmt"), {}, false),
                   Accumulated(EveryItem("Deduction", "DeductionAmt", "Deduct"), {}, false),
                   Accumulated(Total("PaySystem", "NetWage", "Net wage of all records", "Total"), {}, false),
-                  Accumulated(Amount("OTRecord", "OT15", "FormulaOTRate", "Overtime rate", "Note"), normal,
-                              false),
-                  Formula("=<Item#8>/3", "Net a month")},
+                  Formula("=ROUND(<Item#8>/3,2)", "Net a month")},
       .sorts = {{"Employee", "EmployeeName"}},
       .grand_total = true,
       .employee_count = true,
@@ -40,9 +39,10 @@ DemoFinancialRpt QuarterByRun() {
       .project = "PAYRUN",
       .layout = "AccumulateList",
       .columns = {Blank(),
-                  Accumulated(Total("PaySystem", "NetWage", "Net wage"),
+                  Accumulated(Total("PaySystem", "NetWage", "Net wage", "AmountWide"),
                               {{{2024, 12, 1}, ""}, {{2024, 12, 2}, ""}}),
-                  Accumulated(Total("PaySystem", "NetWage", "Bonus"), {{{2024, 12, 2}, "BONUS"}}),
+                  Accumulated(Total("PaySystem", "NetWage", "Bonus", "AmountWide"),
+                              {{{2024, 12, 2}, "BONUS"}}),
                   Accumulated(Amount("BankRecord", "Bank1", "BankPaymentAmt", "First account"), {}, false)},
   };
 }
@@ -56,7 +56,7 @@ DemoFamily DemoAccumulations() {
                   .level = "SumLevelEmpee",
                   .header = "Fourth quarter 2024, accumulated\r\nPrinted <Date>",
                   .items = {{"QUARTER", kOctober, kDecember}, {"QUARTERRUN", kOctober, kDecember}},
-                  .title_scheme = "TitleTall"}},
+                  .title_scheme = "TitleThreeLines"}},
   };
 }
 

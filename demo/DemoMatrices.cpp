@@ -8,7 +8,7 @@ DemoItem Status(std::string_view value, std::string_view title, std::string_view
   return {"AnlysItem", value, "", "Normal_1", title, scheme};
 }
 
-/// The rows that the matrices have in common: 1 the heads, 2 the basic pay, then the items.
+/// The rows that the matrices have in common. The formula is one that may be summed over the year.
 std::vector<DemoItem> PayRows() {
   return {Total("PaySystem", "PayHeadCount", "Head count", "Note"),
           Total("PaySystem", "BasicPay", "Basic pay"),
@@ -17,7 +17,7 @@ std::vector<DemoItem> PayRows() {
           Total("PaySystem", "GrossWage", "Gross wage", "Total"),
           EveryItem("Deduction", "DeductionAmt", "Deduct"),
           Total("PaySystem", "NetWage", "Net wage", "Total"),
-          Formula("=IF(<Item#1>=0,0,<Item#7>/<Item#1>)", "Net wage a head"),
+          Formula("=<Item#5>-<Item#7>", "Taken off", "Deduct"),
           Blank()};
 }
 
@@ -48,7 +48,7 @@ DemoFinancialRpt CompanyYear() {
 DemoFinancialRpt Reconciliation() {
   return {
       .id = "RECON",
-      .desc = "Management pay, December against November",
+      .desc = "Management pay, April against March",
       .project = "MGTRECON",
       .layout = "PayReconciliation",
       .columns = {MainField("Employee", "EmployeeId", "Employee"),
@@ -59,8 +59,8 @@ DemoFinancialRpt Reconciliation() {
                Total("PaySystem", "GrossWage", "Gross wage", "Total"),
                EveryItem("Deduction", "DeductionAmt", "Deduct"),
                Total("PaySystem", "NetWage", "Net wage", "Total"),
-               Amount("BankRecord", "Bank1", "BankPaymentAmt", "Paid to first account"),
-               Amount("BankRecord", "Bank2", "BankPaymentAmt", "Paid to second account"),
+               Amount("BankRecord", "Bank1", "BankPaymentAmt", "First account"),
+               Amount("BankRecord", "Bank2", "BankPaymentAmt", "Second account"),
                Formula("=ROUND(<Item#5>-<Item#6>-<Item#7>,2)", "Unpaid", "Deduct"), Blank()},
       .sorts = {{"Employee", "EmployeeName"}},
   };
@@ -110,9 +110,9 @@ DemoFamily DemoMatrices() {
                   .basis1 = "Department"},
                  {.name = "Reconciliation",
                   .level = "SumLevelEmpee",
-                  .header = "Management pay: December against November 2024\r\nPrinted <Date>",
-                  .items = {{"RECON", kNovember, kDecember}},
-                  .title_scheme = "TitleTwoLines"}},
+                  .header = "Management pay: April against March 2024\r\nPrinted <Date>",
+                  .items = {{"RECON", kMarch, kApril}},
+                  .title_scheme = "TitleThreeLines"}},
   };
 }
 
