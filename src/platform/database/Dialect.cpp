@@ -23,6 +23,9 @@ constexpr std::array<std::string_view, 7> kJoinWords = {"natural", "left",  "rig
 constexpr std::array<std::string_view, 9> kAfterFrom = {"where",     "group",  "order",  "having", "limit",
                                                         "intersect", "except", "window", "union"};
 
+constexpr std::array<std::string_view, 3> kCompound = {"union", "intersect", "except"};
+constexpr std::array<std::string_view, 6> kBeforeCondition = {"where", "and", "or", "on", "not", "when"};
+
 template <std::size_t N>
 bool IsOneOf(const SqlToken& token, const std::array<std::string_view, N>& words) {
   return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
@@ -90,7 +93,8 @@ class JoinRewriter {
     throw DatabaseError(message, std::string(sql_));
   }
 
-  std::string Result() const {
+  std::string Result() {
+    std::ranges::stable_sort(insertions_, {}, &Insertion::position);
     std::string result;
     std::size_t copied = 0;
     for (const Insertion& insertion : insertions_) {
@@ -100,20 +104,87 @@ class JoinRewriter {
     return result.append(sql_.substr(copied));
   }
 
-  /// Reads on to the closing parenthesis of this level, or to the end.
-  void Walk() {
+  /// Reads on to the closing parenthesis of this level, or to the end. The tables of the level's select; none
+  /// for a compound one.
+  FromList Walk() {
+    FromList from;
+    bool compound = false;
     while (at_ < tokens_.size() && !AtMark(')')) {
       if (AtMark('(')) {
         WalkParentheses();
+      } else if (AtWord("in") && IsTextColumnBefore(at_, from)) {
+        ++at_;
+        if (AtMark('(')) WalkMembersOfText();
       } else if (AtWord("with")) {
         WalkWith();
       } else if (AtWord("from") && !IsDistinctFrom()) {
         ++at_;
-        ReadJoins();
+        from = ReadJoins();
       } else {
+        compound = compound || IsOneOf(tokens_[at_], kCompound);
         ++at_;
       }
     }
+    return compound ? FromList{} : from;
+  }
+
+  /// A column as a statement names it: the tokens from `begin` up to `end`.
+  struct ColumnName {
+    std::size_t begin;
+    std::size_t end;
+  };
+
+  /// The parentheses after "text column IN". SQLite compares a text with an integer column as numbers and
+  /// then cannot use an index on the text; ids are compared as texts, which finds the same rows for ids
+  /// written without leading zeros.
+  void WalkMembersOfText() {
+    Enter();
+    ++at_;
+    std::size_t begin = at_ + 1;
+    const bool select = AtWord("select");
+    if (select && begin < tokens_.size() && tokens_[begin].IsWord("distinct")) ++begin;
+    const std::size_t end = select ? EndOfColumnName(begin) : begin;
+    const bool one_column = end > begin && end < tokens_.size() && tokens_[end].IsWord("from");
+    const FromList from = Walk();
+    if (one_column && HasAffinity({begin, end}, from, "int")) {
+      insertions_.push_back({tokens_[begin].begin, "CAST("});
+      insertions_.push_back({tokens_[end - 1].End(), " AS TEXT)"});
+    }
+    TakeMark(')');
+    --nesting_;
+  }
+
+  /// One past the column name that begins there; `begin` when none does.
+  std::size_t EndOfColumnName(std::size_t begin) const {
+    if (begin >= tokens_.size() || !tokens_[begin].IsName()) return begin;
+    const bool qualified =
+        begin + 2 < tokens_.size() && tokens_[begin + 1].IsMark('.') && tokens_[begin + 2].IsName();
+    return begin + (qualified ? 3 : 1);
+  }
+
+  /// Whether "[NOT] IN" at that token follows a condition's text column.
+  bool IsTextColumnBefore(std::size_t in, const FromList& from) const {
+    std::size_t end = in;
+    if (end > 0 && tokens_[end - 1].IsWord("not")) --end;
+    if (end == 0 || !tokens_[end - 1].IsName()) return false;
+    const bool qualified = end > 2 && tokens_[end - 2].IsMark('.') && tokens_[end - 3].IsName();
+    const std::size_t begin = end - (qualified ? 3 : 1);
+    const bool whole =
+        begin > 0 && (tokens_[begin - 1].IsMark('(') || IsOneOf(tokens_[begin - 1], kBeforeCondition));
+    return whole && HasAffinity({begin, end}, from, "char");
+  }
+
+  /// Whether the column is one of these tables' and its declared type contains that word.
+  bool HasAffinity(const ColumnName& column, const FromList& from, std::string_view word) const {
+    const bool qualified = column.end - column.begin > 1;
+    const std::string name = NameOf(tokens_[column.end - 1]);
+    for (const Source& source : from.sources) {
+      if (qualified && !SameName(source.name, NameOf(tokens_[column.begin]))) continue;
+      if (source.shape == nullptr) return false;  // its columns are not known
+      const TableShape::Column* found = source.shape->Find(name);
+      if (found != nullptr) return FoldName(found->declared_type).find(word) != std::string::npos;
+    }
+    return false;
   }
 
   void WalkParentheses() {

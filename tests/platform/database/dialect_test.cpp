@@ -135,6 +135,33 @@ TEST(Dialect, JoinsWithoutOnFollowTheDeclaredKey) {
   }
 }
 
+/// What the rewriter makes of conditions on Records(Id char, Name char) and People(Id int, Code char).
+TEST(Dialect, ATextIsLookedForAmongIntegersAsText) {
+  const TableShape records{"Records", {{"Basis1Id", "varchar(40)"}, {"Year", "integer"}}, {}};
+  const TableShape people{"People", {{"PersonId", "integer"}, {"Code", "varchar(10)"}}, {}};
+  const FindTable find = [&](std::string_view name) -> const TableShape* {
+    return SameName(name, "Records") ? &records : SameName(name, "People") ? &people : nullptr;
+  };
+  const std::string from = "SELECT * FROM Records WHERE ";
+  const std::string cast = "CAST(PersonId AS TEXT)";
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"Basis1Id IN (SELECT PersonId FROM People)", "Basis1Id IN (SELECT " + cast + " FROM People)"},
+      {"Year = 1 AND records.basis1id not in  ( select distinct People.PersonId from People WHERE 1)",
+       "Year = 1 AND records.basis1id not in  ( select distinct CAST(People.PersonId AS TEXT) from People "
+       "WHERE 1)"},
+      {"Year IN (SELECT PersonId FROM People)", ""},
+      {"Basis1Id IN (SELECT Code FROM People)", ""},
+      {"Basis1Id IN (SELECT PersonId + 1 FROM People)", ""},
+      {"Basis1Id IN (SELECT PersonId FROM People UNION SELECT 'x')", ""},
+      {"Basis1Id IN (SELECT PersonId FROM (SELECT PersonId FROM People) AS D)", ""},
+      {"Basis1Id || 'x' IN (SELECT PersonId FROM People)", ""},
+      {"'a' || Basis1Id IN (SELECT PersonId FROM People)", ""},
+      {"Basis1Id IN ('1', '2')", ""},
+      {"Basis1Id IN (SELECT", ""}};
+  for (const auto& [condition, rewritten] : rows)
+    EXPECT_EQ(RewriteSql(from + condition, find), from + (rewritten.empty() ? condition : rewritten));
+}
+
 TEST(Dialect, NoKeyOrTwoKeysNameTheTables) {
   const TestDatabase file(kSchema);
   const auto database = file.Open();
