@@ -25,7 +25,7 @@ enum class PeriodHeadings {
 
 /// The column behind the periods, computed from the row's cells in the first and the last of them.
 struct SummaryColumn {
-  std::string_view title = "";  ///< "" for members without such a column
+  std::string_view title = {};  ///< "" for members without such a column
   std::string (*formula)(const std::string& first, const std::string& last) = nullptr;
 };
 
@@ -36,10 +36,10 @@ struct MatrixTraits {
   std::string_view row_banner = "     PRINT FINANCIAL INFORMATION PROCESSING     ";
 
   MatrixPeriods periods = MatrixPeriods::kChosen;
-  std::string_view no_periods_warning = "";  ///< the user's, and the end; "" makes missing periods a failure
+  std::string_view no_periods_warning = {};  ///< the user's, and the end; "" makes missing periods a failure
   PeriodHeadings headings = PeriodHeadings::kOverEachPeriod;
-  std::string_view heading_scheme_where = "";  ///< named when the title scheme is missing; "" says nothing
-  std::string_view project_where = "";         ///< named when the project's cycle cannot be read
+  std::string_view heading_scheme_where = {};  ///< named when the title scheme is missing; "" says nothing
+  std::string_view project_where = {};         ///< named when the project's cycle cannot be read
 
   std::span<const std::string_view> component_groupings = {};  ///< whose items are found by component
   bool formats_formulas = true;  ///< calculated cells get the amount format, which summaries ask for
