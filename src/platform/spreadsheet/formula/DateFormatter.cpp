@@ -41,7 +41,8 @@ class DateWriter {
     const double parts = serial * static_cast<double>(kSecondsPerDay * parts_per_second_);
     parts_ = std::llround(parts);
     second_ = parts_ / parts_per_second_;
-    date_ = DateOf(static_cast<double>(second_ / kSecondsPerDay));
+    day_ = second_ / kSecondsPerDay;
+    date_ = DateOf(static_cast<double>(day_));
   }
 
   std::string Write() {
@@ -96,7 +97,7 @@ class DateWriter {
         if (token.count <= 2) {
           out_ += Padded(date_.day, width);
         } else {
-          const std::string_view name = kDays[DayOfWeek(static_cast<double>(second_ / kSecondsPerDay)) - 1];
+          const std::string_view name = kDays[DayOfWeek(static_cast<double>(day_)) - 1];
           out_ += token.count == 3 ? name.substr(0, 3) : name;
         }
         return;
@@ -125,6 +126,7 @@ class DateWriter {
   std::int64_t parts_per_second_ = 1;
   std::int64_t parts_ = 0;   ///< since day 0, in the smallest unit shown
   std::int64_t second_ = 0;  ///< since day 0
+  std::int64_t day_ = 0;
   Date date_;
   bool half_day_ = false;
   int second_digit_ = 0;

@@ -114,8 +114,6 @@ class SectionWriter {
         place_ = 0;
         return;
       case Kind::kGeneral:
-        out_ += NumberText(value_);
-        return;
       case Kind::kText:
         out_ += NumberText(value_);
         return;

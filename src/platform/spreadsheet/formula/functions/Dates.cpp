@@ -26,7 +26,8 @@ template <int unit, int larger>
 Value PartOfTime(Call& call) {
   const double serial = call.Number(0);
   if (serial < 0.0) return Value::Error(ErrorCode::kNum);
-  return Value::Number(SecondsOf(serial) % larger / unit);
+  const int part = SecondsOf(serial) % larger / unit;
+  return Value::Number(part);
 }
 
 Value Weekday(Call& call) {

@@ -6,7 +6,7 @@ namespace excelexp::formula {
 namespace {
 
 Value If(Call& call) {
-  const Value condition = call.EvaluateScalar(0);
+  Value condition = call.EvaluateScalar(0);
   if (call.Cells().IsWaiting()) return {};
   if (condition.IsError()) return condition;
   if (LogicalOf(condition)) return call.Evaluate(1);

@@ -20,7 +20,7 @@ Numbers NumbersOf(Call& call, std::size_t first = 0) {
 
 /// The numbers of one argument.
 Numbers NumbersOfArgument(Call& call, std::size_t i) {
-  const Value value = call[i];
+  const Value& value = call[i];
   if (value.IsError()) throw FormulaError{value.error};
   Numbers numbers;
   const Array array = call.Cells().ToArray(value);

@@ -199,7 +199,7 @@ Value TextOrNothing(Call& call) {
 }
 
 Value NumberOrZero(Call& call) {
-  const Value value = First(call);
+  Value value = First(call);
   if (value.IsError()) return value;
   return Value::Number(value.type == ValueType::kText ? 0.0 : NumberOf(value));
 }
