@@ -173,6 +173,8 @@ void BExcelExpEngine::ExecuteProcExcelWksheet() {
 
 void BExcelExpEngine::Save(const std::string& file_name) {
   WriteFrame("           SAVING REPORT IN PROGRESS            ");
+  // A run that was cancelled must not be saved: the queries it stopped left gaps.
+  OwnExcelAPI->SetBeforeSaveStep([this] { ReportProgress(0, 0); });
   OwnExcelAPI->SaveWorkbook(WorkbookHandle, file_name, false);
   saved_file_name_ = file_name;
   WriteAllMemo("File has been successfully generated to " + file_name);
@@ -182,6 +184,7 @@ void BExcelExpEngine::Save(const std::string& file_name) {
 }
 
 void BExcelExpEngine::Fail(std::string_view reason) {
+  NoticeCancel();
   outcome_ = Cancelled() ? Outcome::kCancelledWhileRunning : Outcome::kFailed;
   WriteAllMemo("Error in Excel Export Engine");
   if (Cancelled()) {
@@ -190,6 +193,14 @@ void BExcelExpEngine::Fail(std::string_view reason) {
     WriteAllMemo(reason);
   }
   OwnExcelAPI->TerminateExcel();
+}
+
+void BExcelExpEngine::NoticeCancel() {
+  try {
+    ReportProgress(0, 0);
+  } catch (const ExcelExpEngineFail&) {
+    // Cancelled() says it from now on.
+  }
 }
 
 std::string BExcelExpEngine::CurrentDateTime() {

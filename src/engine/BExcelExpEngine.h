@@ -54,6 +54,8 @@ class BExcelExpEngine : public BExcelExpEngCore {
   bool TakeBasisLevels();
   void Save(const std::string& file_name);
   void Fail(std::string_view reason);
+  /// A cancel that stopped a statement shows as a failure until the host is asked.
+  void NoticeCancel();
   std::string CurrentDateTime();
 
   std::string SavedShortDateFormat;

@@ -167,6 +167,7 @@ void Merge(const Target& target) {
 
 struct BExcelAPI::Impl {
   DateTime moment;
+  std::function<void()> before_save_step = [] {};
   std::vector<Handle> workbooks;
 };
 
@@ -176,6 +177,10 @@ BExcelAPI::~BExcelAPI() = default;
 
 void BExcelAPI::SetMoment(DateTime moment) {
   impl_->moment = moment;
+}
+
+void BExcelAPI::SetBeforeSaveStep(std::function<void()> call) {
+  impl_->before_save_step = std::move(call);
 }
 
 Handle BExcelAPI::OpenExcelOLE(bool /*visible*/) {
@@ -204,9 +209,13 @@ void BExcelAPI::SaveWorkbook(const Handle& workbook, const std::string& file_nam
   Workbook& open = Open(workbook);
   const WorkbookFormat& format = WorkbookFormatFor(file_name);
   open.created = impl_->moment;
+  impl_->before_save_step();
   formula::Recalculate(open, impl_->moment);
+  impl_->before_save_step();
   CheckWorkbook(open, format);
-  PublishFile(file_name, format.serialize(open));
+  const std::string bytes = format.serialize(open);
+  impl_->before_save_step();
+  PublishFile(file_name, bytes);
 }
 
 void BExcelAPI::TerminateExcel() {

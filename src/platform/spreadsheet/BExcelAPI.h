@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -95,6 +96,10 @@ class BExcelAPI {
   /// `height` in points, 0 to 409; 0 hides the range's rows.
   virtual void SetRowHeight(const Handle& workbook, const std::string& sheet, const std::string& range,
                             const Variant& height);
+
+  /// Called before each step of SaveWorkbook: computing, checking and laying out the file, publishing it.
+  /// What it throws abandons the save, and nothing is written.
+  void SetBeforeSaveStep(std::function<void()> call);
 
   /// The moment that formulas see as NOW() and that a saved file carries as its creation time.
   void SetMoment(DateTime moment);
