@@ -64,7 +64,6 @@ SetupTableAnalysisEngine::SetupTableAnalysisEngine(const AnlysProjectStructure& 
     : request_(request), writer_(std::move(writer)) {}
 
 int SetupTableAnalysisEngine::ExecuteOperation() {
-  last_error_.clear();
   try {
     writer_->Transaction([this] {
       DeleteOperation();
@@ -72,7 +71,7 @@ int SetupTableAnalysisEngine::ExecuteOperation() {
     });
     return ResultOf(request_, true);
   } catch (const DatabaseError& error) {
-    last_error_ = error.what();
+    if (on_failure_) on_failure_(error.what());
     return ResultOf(request_, false);
   }
 }

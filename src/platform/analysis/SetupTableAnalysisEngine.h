@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/analysis/BAnalysisRptEng.h"
 #include "platform/database/SqliteWriter.h"
@@ -24,8 +26,10 @@ class SetupTableAnalysisEngine final : public BAnalysisRptEng {
   int ExecuteOperation() override;
   void DeleteOperation() override;
 
-  /// Why the last ExecuteOperation failed; "" after a success.
-  const std::string& LastError() const { return last_error_; }
+  /// Told why an ExecuteOperation failed, which its result does not say.
+  void SetOnFailure(std::function<void(const std::string& message)> on_failure) {
+    on_failure_ = std::move(on_failure);
+  }
 
  private:
   void CopyRecords();
@@ -33,7 +37,7 @@ class SetupTableAnalysisEngine final : public BAnalysisRptEng {
   const AnlysProjectStructure& request_;
   std::shared_ptr<SqliteWriter> writer_;
   const BQueryViewTable* view_table_ = nullptr;
-  std::string last_error_;
+  std::function<void(const std::string&)> on_failure_;
 };
 
 }  // namespace excelexp

@@ -1,6 +1,13 @@
 #include "platform/host/BatchHost.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
 #include "platform/analysis/SetupTableAnalysisEngine.h"
+#include "platform/spreadsheet/SpreadsheetError.h"
 
 namespace excelexp {
 
@@ -8,7 +15,9 @@ BatchHost::BatchHost(const std::string& database_file, std::string output_file)
     : writer_(std::make_shared<SqliteWriter>(database_file)), output_file_(std::move(output_file)) {}
 
 std::optional<std::string> BatchHost::AskSaveFile(const std::string& proposed) {
-  return output_file_.empty() ? SafeFileName(proposed) : output_file_;
+  std::string file = output_file_.empty() ? SafeFileName(proposed) : output_file_;
+  CheckOutputFile(file);
+  return file;
 }
 
 void BatchHost::ShowInformation(const std::string& /*text*/) {}
@@ -16,7 +25,27 @@ void BatchHost::ShowInformation(const std::string& /*text*/) {}
 std::unique_ptr<BAnalysisRptEng> BatchHost::CreateAnalysisRptEng(const AnlysProjectStructure& request,
                                                                  const std::string& /*database_name*/,
                                                                  bool /*interactive*/) {
-  return std::make_unique<SetupTableAnalysisEngine>(request, writer_);
+  auto analysis = std::make_unique<SetupTableAnalysisEngine>(request, writer_);
+  analysis->SetOnFailure([this, project = request.AnlysProjectId](const std::string& message) {
+    OnAnalysisFailure(project, message);
+  });
+  return analysis;
+}
+
+void BatchHost::OnAnalysisFailure(const std::string& /*project*/, const std::string& /*message*/) {}
+
+void CheckOutputFile(const std::string& file) {
+  const auto refuse = [&file](const std::string& reason) {
+    throw SpreadsheetError("'" + file + "' cannot be written: " + reason);
+  };
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) refuse("it is a folder");
+  const std::string parent = std::filesystem::path(file).parent_path().string();
+  const std::string folder = parent.empty() ? "." : parent;
+  if (!std::filesystem::is_directory(folder, error)) refuse("there is no folder '" + folder + "'");
+  if (access(folder.c_str(), W_OK | X_OK) != 0) {
+    refuse("the folder '" + folder + "': " + std::generic_category().message(errno));
+  }
 }
 
 std::string SafeFileName(const std::string& proposed) {

@@ -17,6 +17,8 @@ class BatchHost : public HostServices {
   /// folders.
   BatchHost(const std::string& database_file, std::string output_file);
 
+  /// Throws SpreadsheetError when the file could not be written anyway: a folder of that name, or a folder to
+  /// write into that is not there or may not be written. So it is told before the work.
   std::optional<std::string> AskSaveFile(const std::string& proposed) override;
   void ShowInformation(const std::string& text) override;
   std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
@@ -24,6 +26,9 @@ class BatchHost : public HostServices {
                                                         bool interactive) override;
 
  protected:
+  /// The analysis engine could not generate the records of a request: which project, and why.
+  virtual void OnAnalysisFailure(const std::string& project, const std::string& message);
+
   const std::shared_ptr<SqliteWriter>& Writer() const { return writer_; }
 
  private:
@@ -35,5 +40,8 @@ class BatchHost : public HostServices {
 /// separator (of any system) and control characters do not survive; a name that begins with a dot gets
 /// "Report" in front of it.
 std::string SafeFileName(const std::string& proposed);
+
+/// Throws SpreadsheetError, naming file and folder, for a file that could not be written (see AskSaveFile).
+void CheckOutputFile(const std::string& file);
 
 }  // namespace excelexp

@@ -1,6 +1,7 @@
 #include "platform/host/LineSinks.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,8 +9,28 @@
 
 namespace excelexp {
 
+void LogDigest::WriteLine(std::string_view line) {
+  if (line.empty()) return;
+  if (!errors_.empty() || line.starts_with("Error")) {
+    errors_.emplace_back(line);
+  } else if (line.starts_with("Warning") && known_.emplace(line).second) {
+    warnings_.emplace_back(line);
+  }
+}
+
+namespace {
+
+/// A log of an earlier run keeps the mode that it has when it is opened. Terminals and pipes keep theirs.
+void CloseToOthers(int descriptor) {
+  struct stat status {};
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) fchmod(descriptor, 0600);
+}
+
+}  // namespace
+
 FileLineSink::FileLineSink(const std::string& file) : file_(file), stream_(nullptr) {
   const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  if (descriptor >= 0) CloseToOthers(descriptor);
   if (descriptor >= 0) stream_ = ::fdopen(descriptor, "w");
   if (stream_ == nullptr) {
     const int reason = errno;
