@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/CommandLine.h"
+#include "platform/database/SqliteDatabase.h"
+
+namespace excelexp::cli {
+
+/// The alias of the file that --database names first.
+inline constexpr char kDefinitionAlias[] = "definition";
+
+/// The databases of a run, registered under their aliases as long as the object lives.
+class Databases {
+ public:
+  /// Throws ArgumentError for a file that is no database and for an alias that is taken.
+  Databases(const Settings& settings, const SqliteOptions& options);
+  ~Databases();
+  Databases(const Databases&) = delete;
+  Databases& operator=(const Databases&) = delete;
+
+  /// The file behind the payroll alias, which takes the analysis records.
+  const std::string& PayrollFile() const { return payroll_file_; }
+
+ private:
+  void Register(const std::string& alias, std::shared_ptr<Database> database);
+
+  std::string payroll_file_;
+  std::vector<std::string> aliases_;
+};
+
+}  // namespace excelexp::cli
