@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/database/DatabaseError.h"
 #include "platform/database/DatabaseRegistry.h"
 #include "platform/database/ResultSet.h"
 #include "platform/database/SqliteDatabase.h"
