@@ -4,6 +4,9 @@
 #include "support/mini_payroll.h"
 #include "support/scenario.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "platform/host/Format.h"
 
 namespace excelexp {
@@ -163,6 +166,24 @@ TEST(Driver, ACancelledRunSavesNothingAndSaysSo) {
   EXPECT_FALSE(std::filesystem::exists(scenario.OutputFile()));
   EXPECT_THAT(ScenarioRun::Lines(run.user_log),
               HasSubstr("Error in Excel Export Engine\nGeneration of Excel Report is cancelled.\n"));
+}
+
+TEST(Driver, ACancelAtAnyMomentLeavesTheOldFile) {
+  Scenario scenario(MiniPayrollSql() + SpreadsheetSql("S", "SumLevelEmpee"));
+  int calls = 0;
+  scenario.Host().on_progress = [&](const Progress&) { return ++calls > 0; };
+  ASSERT_EQ(scenario.Run("S", true).outcome, Outcome::kWritten);
+  const int calls_of_a_whole_run = calls;
+  ASSERT_GE(calls_of_a_whole_run, 4);  // the worksheet, and before each step of the save
+  for (int cancelled_at = 1; cancelled_at <= calls_of_a_whole_run; ++cancelled_at) {
+    std::ofstream(scenario.OutputFile()) << "old";
+    calls = 0;
+    scenario.Host().on_progress = [&](const Progress&) { return ++calls < cancelled_at; };
+    EXPECT_EQ(scenario.Run("S", true).outcome, Outcome::kCancelledWhileRunning) << cancelled_at;
+    std::string content;
+    std::ifstream(scenario.OutputFile()) >> content;
+    EXPECT_EQ(content, "old") << cancelled_at;
+  }
 }
 
 TEST(Driver, TheAmountFormatFollowsTheCountry) {
