@@ -237,8 +237,8 @@ TEST_F(DemoDefinitions, EveryItemHasDataInEveryPeriodItPrints) {
     request.WSItemToMthPeriod = number("WSItemToMthPeriod");
     request.WSItemToSubPeriod = number("WSItemToSubPeriod");
     SetupTableAnalysisEngine engine(request, writer);
+    engine.SetOnFailure([](const std::string& message) { ADD_FAILURE() << message; });
     engine.ExecuteOperation();
-    EXPECT_EQ(engine.LastError(), "");
     const std::string mine = " FROM AnlysItemRecord WHERE AnlysIPAddress = '" + request.AnlysIPAddress + "'";
     EXPECT_FALSE(writer->Rows("SELECT 1" + mine + " LIMIT 1").empty()) << text("WkSheetItemRptId");
     EXPECT_THAT(
