@@ -15,7 +15,8 @@ std::string Endless(std::string_view columns) {
 
 std::string Numbers(int count, std::string_view columns) {
   return "WITH RECURSIVE Counter(N) AS (SELECT 1 UNION ALL SELECT N + 1 FROM Counter WHERE N < " +
-         std::to_string(count) + ") SELECT " + std::string(columns) + " FROM Counter WHERE N <= " + std::to_string(count);
+         std::to_string(count) + ") SELECT " + std::string(columns) +
+         " FROM Counter WHERE N <= " + std::to_string(count);
 }
 
 constexpr std::string_view kRecord =
