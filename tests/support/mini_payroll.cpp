@@ -135,6 +135,22 @@ std::string PeriodRangeSql(int from_year, int from_period, int to_year, int to_p
          " WHERE WkSheetItemSysId = " + std::to_string(100 + ordering) + ";\n";
 }
 
+std::string ListByEmployeeSql() {
+  return ColumnItemSql({.order = 1,
+                        .type = "SummLvlItem",
+                        .grouping = "Employee",
+                        .component = "EmployeeId",
+                        .title = "No.",
+                        .main_info = 1}) +
+         "INSERT INTO FinanceSortItem VALUES (1, 'R1', 1, 'Employee', 'EmployeeId');\n";
+}
+
+std::string RangeSql(int column_item, int year, int period, int sub_period, const std::string& pay_record) {
+  return "INSERT INTO FinColAccumulated VALUES " +
+         Values({std::to_string(column_item), std::to_string(year), std::to_string(period),
+                 std::to_string(sub_period), SqlText(pay_record)});
+}
+
 std::string GroupSql(int order, const std::string& table, const std::string& field, const std::string& title,
                      int sub_total, int employee_count) {
   return "INSERT INTO FinanceGrpItem VALUES " +

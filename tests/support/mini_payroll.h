@@ -72,6 +72,12 @@ std::string ChosenPeriodSql(int year, int period, const std::string& pay_record 
 /// The period range of the item of that ordering.
 std::string PeriodRangeSql(int from_year, int from_period, int to_year, int to_period, int ordering = 1);
 
+/// What a band of report R1 begins with: the employee's number, in the order of these. Column item 1.
+std::string ListByEmployeeSql();
+
+/// A period that the column item accumulates; items have the system ids 1, 2, ... as they were made.
+std::string RangeSql(int column_item, int year, int period, int sub_period, const std::string& pay_record);
+
 /// A grouping level of report R1.
 std::string GroupSql(int order, const std::string& table, const std::string& field, const std::string& title,
                      int sub_total, int employee_count);
