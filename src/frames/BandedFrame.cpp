@@ -129,7 +129,7 @@ bool BandedFrame::PrintBand() {
   core_->SetLastPrintedCol(current_col_);
   if (has_main_info && !PrintEmpCoyBasisInfo(band_row)) return false;
   for (WkSheetItem& item : items_) {
-    if (first_entity) core_->FirstEntity = true;
+    core_->FirstEntity = first_entity || item.FirstEntity;
     core_->SetExcelWSItemSysId(item.WkSheetItemSysId);
     core_->SetExcelWSItemRptId(item.WkSheetItemRptId);
     core_->SetExcelWSItemOrdering(item.WkSheetItemOrdering);
@@ -137,6 +137,7 @@ bool BandedFrame::PrintBand() {
     item.FirstCol = core_->LastPrintedCol;
     if (!PrintItem(item)) return false;
     item.LastCol = core_->LastPrintedCol - 1;
+    item.FirstEntity = core_->FirstEntity;
   }
   return true;
 }
