@@ -1,6 +1,8 @@
 #include "layouts/BExcelExpEngMovementListRpt.h"
 
+#include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "platform/host/Format.h"
 
@@ -54,16 +56,13 @@ bool BExcelExpEngMovementListRpt::ExecuteOperation() {
 bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
   ExcelRptLayoutQry.First();
   SetStartPrintedCol(current_col_);
-  if (AtFirstEntity()) {
-    current_col_ = core_->LastPrintedCol;
-    if (!PrintPayPeriodInfo()) return false;
-  }
-  for (; !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
-    current_col_ = core_->LastPrintedCol;
-    if (!PrintFinancialData()) return false;
-  }
+  if (AtFirstEntity() && !PrintPayPeriodInfo()) return false;
+  const int heading_end = core_->LastPrintedCol + GetNoOfMergeCells();
+  if (!PrintFinancialData()) return false;
   RaiseLastPrintedRow(current_row_);
-  SetLastPrintedCol(current_col_);
+  // An "<ALL>" item without items leaves the heading wider than its columns; the next report begins beside
+  // both.
+  SetLastPrintedCol(std::max(current_col_, heading_end));
   return true;
 }
 
@@ -74,7 +73,12 @@ bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
 
   const int first_row = current_row_ - 5;
   const int last_row = current_row_ - 2;
-  const std::string heading = HeadingText();
+  std::string heading;
+  try {
+    heading = HeadingText();
+  } catch (const std::invalid_argument& error) {
+    return Fail(where, "The reporting period is wrong: " + std::string(error.what()) + ".");
+  }
   if (!heading.empty()) cells_.WriteText(first_row, current_col_, heading);
   if (!cells_.FormatAsCurrent(GetCellName(first_row, current_col_))) return false;
   const int last_col = current_col_ + GetNoOfMergeCells() - 1;

@@ -7,7 +7,8 @@
 namespace excelexp {
 
 /// The staff movement listing: one row per entity with the values of one reporting period, under one merged
-/// heading that names the period covered. Its records carry no pay record basis.
+/// heading that names the period covered. Its records carry no pay record basis. The report options hold the
+/// one period; were there several, the first would be printed: the figures are those of the heading's period.
 class BExcelExpEngMovementListRpt final : public ListingLayout {
  public:
   explicit BExcelExpEngMovementListRpt(BExcelExpEngCore* core);

@@ -13,6 +13,14 @@ const std::string kGap(17, ' ');
 
 }  // namespace
 
+bool IsWholeNumber(const ValueColumn& value) {
+  return value.type == "integer" || value.type == "smallint";
+}
+
+bool IsAmount(const ValueColumn& value) {
+  return value.type == "double" || value.type == "decimal";
+}
+
 FinancialLayout::FinancialLayout(BExcelExpEngCore* core, const FinancialTraits& traits)
     : core_(core),
       traits_(traits),
@@ -167,7 +175,10 @@ void FinancialLayout::PrintValue(bool found, const ValueColumn& value, int row, 
   if (found) {
     cells_.WriteAnalysisValue(AnlysItemRecQry, value.column, value.type, row, column, value_style_);
   } else {
-    cells_.FieldType().OutputBlank(GetCellName(row, column), value.type, row, column, true);
+    const std::string cell = GetCellName(row, column);
+    cells_.FieldType().OutputBlank(cell, value.type, row, column, true);
+    // Totals show where the first entity's cell has such a format, be it blank.
+    if (IsWholeNumber(value)) cells_.WriteIntegerFormat(cell, value_style_);
   }
 }
 

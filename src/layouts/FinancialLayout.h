@@ -32,6 +32,9 @@ struct ValueColumn {
   std::string type;
 };
 
+bool IsWholeNumber(const ValueColumn& value);
+bool IsAmount(const ValueColumn& value);
+
 /// What all financial layouts share: the report, its project, the entity's analysis records, and the steps of
 /// printing one value. Every step that fails writes its message and returns false.
 class FinancialLayout : public ReportLayout {

@@ -71,6 +71,12 @@ void CellPrinter::WriteAmountFormat(const std::string& cell) {
                                        core_->NumberFormat);
 }
 
+void CellPrinter::WriteIntegerFormat(const std::string& cell, const ValueStyle& style) {
+  if (style.integer_format.empty()) return;
+  core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell,
+                                       std::string(style.integer_format));
+}
+
 void CellPrinter::WriteFormula(int row, int column, const std::string& formula) {
   if (formula.empty()) {
     WriteText(row, column, "");
@@ -98,10 +104,7 @@ void CellPrinter::WriteAnalysisValue(const Query& records, const std::string& co
     WriteText(row, col, field.AsString());
   } else if (type == "integer" || type == "smallint") {
     WriteNumber(row, col, field.AsInteger());
-    if (!style.integer_format.empty()) {
-      core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName,
-                                           GetCellName(row, col), std::string(style.integer_format));
-    }
+    WriteIntegerFormat(GetCellName(row, col), style);
   } else if (type == "double" || type == "decimal") {
     WriteNumber(row, col, field.AsFloat());
     WriteAmountFormat(GetCellName(row, col));

@@ -42,6 +42,8 @@ class CellPrinter {
   void WriteText(int row, int column, const std::string& text);
   void WriteNumber(int row, int column, const Variant& number);
   void WriteAmountFormat(const std::string& cell);
+  /// Where the style has a format for whole numbers.
+  void WriteIntegerFormat(const std::string& cell, const ValueStyle& style);
   /// An empty formula (its decoding failed and said so) leaves an empty text.
   void WriteFormula(int row, int column, const std::string& formula);
   /// A text in the title scheme.
