@@ -47,12 +47,8 @@ const AllBases* FindAllBases(std::string_view sub_grouping) {
   return found == kAllBases.end() ? nullptr : found;
 }
 
-bool IsWhole(const ValueColumn& value) {
-  return value.type == "integer" || value.type == "smallint";
-}
-
 bool IsNumeric(const ValueColumn& value) {
-  return IsWhole(value) || value.type == "double" || value.type == "decimal";
+  return IsWholeNumber(value) || IsAmount(value);
 }
 
 }  // namespace
@@ -89,7 +85,8 @@ bool BExcelExpEngAccumulatedListRpt::OpenRanges() {
                              std::to_string(FinanceColItemQry.FieldByName("FinColItemSysId").AsInteger());
   if (!core_->OpenOrLog(FinColAccuRangeQry, chosen, where, "FinColAccuRangeQry", Rows::kOptional))
     return false;
-  if (FinColAccuRangeQry.RowCount() > 0) return true;
+  ranges_chosen_ = FinColAccuRangeQry.RowCount() > 0;
+  if (ranges_chosen_) return true;
   return core_->OpenOrLog(
       FinColAccuRangeQry,
       "SELECT DISTINCT AnlysItemRecYear AS FinColAccuYear, AnlysItemRecPeriodMonth AS FinColAccuMthPeriod, "
@@ -104,20 +101,19 @@ bool BExcelExpEngAccumulatedListRpt::PrintAnalysisColumn(const ColumnWalk& walk,
                                                          const std::string& item_id,
                                                          const std::string& item_type,
                                                          const ValueColumn& value) {
-  const std::string cell = GetCellName(current_row_, current_col_);
   if (FinColAccuRangeQry.RowCount() == 0) {
     if (!PrintTitle(walk, title)) return false;
-    PrintValue(false, value, current_row_, current_col_);
+    PrintItemValue(walk, item_type, false, value);
     return true;
   }
   if (!PrintRangeTitle(walk, title)) return false;
   Accumulated result;
   if (!Accumulate(item_id, item_type, value, result)) return false;
   if (!IsNumeric(value) || result.single) {
-    PrintBankValue(result.found, value, current_row_, current_col_);
+    PrintItemValue(walk, item_type, result.found, value);
   } else {
     cells_.WriteNumber(current_row_, current_col_, result.sum);
-    cells_.WriteAmountFormat(cell);
+    cells_.WriteAmountFormat(GetCellName(current_row_, current_col_));
   }
   return true;
 }
@@ -131,12 +127,17 @@ bool BExcelExpEngAccumulatedListRpt::PrintRangeTitle(const ColumnWalk& walk, con
   return true;
 }
 
-bool BExcelExpEngAccumulatedListRpt::BasesOf(const std::string& basis, std::vector<std::string>& bases) {
-  const AllBases* all = basis.empty() ? FindAllBases(cycle_sub_group_by_) : nullptr;
-  if (all == nullptr) {
-    bases = {basis};
+bool BExcelExpEngAccumulatedListRpt::RangeStandsForAll() const {
+  return ranges_chosen_ && FindAllBases(cycle_sub_group_by_) != nullptr &&
+         Text(FinColAccuRangeQry, "FinColAccuPayRecIdType").empty();
+}
+
+bool BExcelExpEngAccumulatedListRpt::BasesOfRange(std::vector<std::string>& bases) {
+  if (!RangeStandsForAll()) {
+    bases = {Text(FinColAccuRangeQry, "FinColAccuPayRecIdType")};
     return true;
   }
+  const AllBases* all = FindAllBases(cycle_sub_group_by_);
   const std::string name(all->name);
   if (!core_->ExecuteSQL(std::string(all->sql))) {
     return Fail(WalkWhere(kWalk), "Error in getting " + name + " Information.");
@@ -157,21 +158,17 @@ bool BExcelExpEngAccumulatedListRpt::Accumulate(const std::string& item_id, cons
     range_.year = FinColAccuRangeQry.FieldByName("FinColAccuYear").AsInteger();
     range_.period_month = FinColAccuRangeQry.FieldByName("FinColAccuMthPeriod").AsInteger();
     range_.sub_period = FinColAccuRangeQry.FieldByName("FinColAccuSubPeriod").AsInteger();
-    const std::string own_basis = Text(FinColAccuRangeQry, "FinColAccuPayRecIdType");
     std::vector<std::string> bases;
-    if (!BasesOf(own_basis, bases)) return false;
+    if (!BasesOfRange(bases)) return false;
     for (const std::string& basis : bases) {
       range_.pay_record_basis = basis;
       if (!LocateItem(item_id, item_type)) continue;
       result.found = true;
+      result.single = non_additive && !RangeStandsForAll();
+      if (result.single) return true;
       if (!IsNumeric(value)) continue;
       const Field field = AnlysItemRecQry.FieldByName(value.column);
-      result.sum += IsWhole(value) ? field.AsInteger() : field.AsFloat();
-      const bool expanded = own_basis.empty() && FindAllBases(cycle_sub_group_by_) != nullptr;
-      if (non_additive && !expanded) {
-        result.single = true;
-        return true;
-      }
+      result.sum += IsWholeNumber(value) ? field.AsInteger() : field.AsFloat();
     }
   }
   return true;
@@ -185,7 +182,7 @@ std::string BExcelExpEngAccumulatedListRpt::GetAccumulatedRange() {
   if (!ReadCycle(Where("GetAccumulatedRange"))) return "";
   std::string text;
   for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
-    text += (text.empty() ? "" : ", ") + RangeText();
+    text += (FinColAccuRangeQry.Bof() ? "" : ", ") + RangeText();
   }
   return text;
 }

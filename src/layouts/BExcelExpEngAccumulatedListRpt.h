@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,15 +34,19 @@ class BExcelExpEngAccumulatedListRpt final : public ListingLayout {
   };
 
   bool OpenRanges();
-  /// The pay record bases that a range with that basis stands for; false after a failure.
-  bool BasesOf(const std::string& basis, std::vector<std::string>& bases);
+  /// Whether the current range has no pay record basis and stands for all of them. One that comes from the
+  /// data names the basis of its records, which can be empty: expanded it would count the others twice.
+  bool RangeStandsForAll() const;
+  /// The pay record bases to sum for the current range; false after a failure.
+  bool BasesOfRange(std::vector<std::string>& bases);
   bool Accumulate(const std::string& item_id, const std::string& item_type, const ValueColumn& value,
                   Accumulated& result);
   bool PrintRangeTitle(const ColumnWalk& walk, const std::string& title);
   std::string RangeText() const;
 
   Query FinColAccuRangeQry;
-  PeriodKey range_;  ///< the one being summed
+  bool ranges_chosen_ = false;  ///< for the current column item; else they come from the data
+  PeriodKey range_;             ///< the one being summed
 };
 
 }  // namespace excelexp

@@ -88,13 +88,17 @@ bool ListingLayout::PrintAnalysisColumn(const ColumnWalk& walk, const std::strin
                                         const std::string& item_id, const std::string& item_type,
                                         const ValueColumn& value) {
   if (!PrintTitle(walk, title)) return false;
-  const bool found = !walk.blank && LocateItem(item_id, item_type);
+  PrintItemValue(walk, item_type, !walk.blank && LocateItem(item_id, item_type), value);
+  return true;
+}
+
+void ListingLayout::PrintItemValue(const ColumnWalk& walk, const std::string& item_type, bool found,
+                                   const ValueColumn& value) {
   if (item_type == kBankRecordGrouping && walk.bank == BankRule::kCategory) {
     PrintBankValue(found, value, current_row_, WalkCol(walk));
   } else {
     PrintValue(found, value, current_row_, WalkCol(walk));
   }
-  return true;
 }
 
 bool ListingLayout::IsTitled(const ColumnWalk& walk) const {

@@ -57,6 +57,10 @@ class ListingLayout : public FinancialLayout {
                                    const std::string& item_id, const std::string& item_type,
                                    const ValueColumn& value);
 
+  /// Prints the value of the record the query stands on, or a blank where none was found.
+  void PrintItemValue(const ColumnWalk& walk, const std::string& item_type, bool found,
+                      const ValueColumn& value);
+
   /// The warning for an "<ALL>" item without items begins with this.
   virtual std::string_view NoItemsPrefix() const { return "Warning "; }
 
