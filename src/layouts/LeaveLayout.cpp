@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "engine/DefinitionTables.h"
 #include "platform/database/SqlText.h"
 
 namespace excelexp {
@@ -42,28 +43,57 @@ bool LeaveLayout::PrintPayRecInfo() {
   if (!PrintBlockHeading()) return false;
   for (; !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
     current_col_ = core_->LastPrintedCol;
-    if (CheckRowDataExist()) {
-      TakeGroup();
-      if (!PrintPayPeriodInfo() || !PrintFinancialData()) return false;
-    } else if (core_->MultipleWkSheetItems && core_->StartPrintedRow == current_row_) {
-      if (!PrintEmptyFinancialData()) return false;
-    } else {
-      current_col_ += FinanceColItemQry.RowCount();
-    }
+    if (!PrintGroup()) return false;
   }
+  if (AtFirstEntity() && current_row_ == core_->StartPrintedRow && !FormatEmptyRow()) return false;
   RaiseLastPrintedRow(current_row_);
   SetLastPrintedCol(current_col_ + leave_traits_.period_columns);
   return true;
 }
 
+bool LeaveLayout::PrintGroup() {
+  bool exists = false;
+  if (!ReadRowDataExist(exists)) return false;  // else the report would lack rows, and nobody would know
+  if (exists) {
+    TakeGroup();
+    return PrintPayPeriodInfo() && PrintFinancialData();
+  }
+  if (core_->MultipleWkSheetItems && core_->StartPrintedRow == current_row_) return PrintEmptyFinancialData();
+  current_col_ += FinanceColItemQry.RowCount();
+  return true;
+}
+
+bool LeaveLayout::FormatEmptyRow() {
+  int column = core_->LastPrintedCol + leave_traits_.period_columns;
+  for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next(), ++column) {
+    const std::string type = Text(FinanceColItemQry, "FinColItemType");
+    ValueColumn value;
+    if (type == item_type::kAnalysis && !ReadValueColumn(Text(FinanceColItemQry, "FinColGrouping"),
+                                                         Text(FinanceColItemQry, "FinColComponent"),
+                                                         LeaveWhere("PrintFinancialData"), value)) {
+      return false;
+    }
+    if (type == item_type::kCalculated || IsAmount(value)) {
+      cells_.WriteAmountFormat(GetCellName(current_row_, column));
+    }
+  }
+  return true;
+}
+
 bool LeaveLayout::CheckRowDataExist() {
+  bool exists = false;
+  return ReadRowDataExist(exists) && exists;
+}
+
+bool LeaveLayout::ReadRowDataExist(bool& exists) {
   const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   if (core_->ExecuteSQL("SELECT * FROM AnlysItemRecord " + DataCondition() + EntityCondition() +
                         " AND AnlysItemRecYear = " + std::to_string(period.year) +
                         " AND AnlysItemRecPeriodMonth = " + std::to_string(period.period_month) +
                         " AND AnlysItemRecSubPeriod = " + std::to_string(period.sub_period) +
                         " AND AnlysPayRecBasis = " + SqlText(period.pay_record_basis))) {
-    return core_->SQLQry->RowCount() > 0;
+    exists = core_->SQLQry->RowCount() > 0;
+    return true;
   }
   return Fail(Where("CheckRowDataExist"), "Error in checking Record Exist in AnlysItemRecord Table.");
 }
@@ -93,7 +123,11 @@ bool LeaveLayout::PrintEmptyFinancialData() {
 }
 
 bool LeaveLayout::Walk(const ColumnWalk& walk) {
-  if (!WalkColumns(walk)) return false;
+  const int block_col = current_col_;
+  SetStartPrintedCol(WalkCol(walk));  // references in formulas count the items from there
+  const bool printed = WalkColumns(walk);
+  SetStartPrintedCol(block_col);
+  if (!printed) return false;
   ++current_row_;
   core_->FirstEntity = false;
   return true;

@@ -23,7 +23,7 @@ class LeaveLayout : public ListingLayout {
 
   bool ExecuteOperation() override;
   bool PrintPayRecInfo();
-  /// Whether the entity has records in the current column group; false, logged, when that cannot be read.
+  /// Whether the entity has records in the current column group; false also after a failure, which is logged.
   bool CheckRowDataExist();
   bool PrintFinancialData();
   bool PrintEmptyFinancialData();
@@ -42,6 +42,11 @@ class LeaveLayout : public ListingLayout {
   bool ReadGroupTexts();
 
  private:
+  bool ReadRowDataExist(bool& exists);
+  bool PrintGroup();
+  /// Totals show where the first entity's cells have an amount format: gives them one when nothing was
+  /// printed.
+  bool FormatEmptyRow();
   bool Walk(const ColumnWalk& walk);
   ColumnWalk WalkOf(TitleRule titles, bool blank) const;
 
