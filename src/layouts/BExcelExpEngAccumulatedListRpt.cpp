@@ -57,14 +57,10 @@ BExcelExpEngAccumulatedListRpt::BExcelExpEngAccumulatedListRpt(BExcelExpEngCore*
     : ListingLayout(core, kTraits), FinColAccuRangeQry(core->DatabaseName) {}
 
 bool BExcelExpEngAccumulatedListRpt::ExecuteOperation() {
-  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
-      !core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
-                        Rows::kOptional)) {
-    return false;
-  }
-  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
-  current_row_ = core_->StartPrintedRow;
-  current_col_ = core_->LastPrintedCol;
+  return ReadReport() && ReadProject() && OpenRecords() && PrintColumnItems();
+}
+
+bool BExcelExpEngAccumulatedListRpt::PrintBlock() {
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
     if (!PrintFinancialData()) return false;
   }

@@ -20,6 +20,7 @@ class BExcelExpEngAccumulatedListRpt final : public ListingLayout {
   std::string GetAccumulatedRange();
 
  protected:
+  bool PrintBlock() override;
   bool LocateItem(const std::string& item_id, const std::string& item_type) override;
   bool PrintAnalysisColumn(const ColumnWalk& walk, const std::string& title, const std::string& item_id,
                            const std::string& item_type, const ValueColumn& value) override;

@@ -43,14 +43,10 @@ bool BExcelExpEngBreakdownListRpt::ExecuteOperation() {
       !OpenPeriods(ChosenPeriodsSql(), DataPeriodsSql())) {
     return false;
   }
-  if (ExcelRptLayoutQry.RowCount() == 0) return FailNoPeriods();
-  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
-                        Rows::kOptional)) {
-    return false;
-  }
-  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
-  current_row_ = core_->StartPrintedRow;
-  current_col_ = core_->LastPrintedCol;
+  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
+}
+
+bool BExcelExpEngBreakdownListRpt::PrintBlock() {
   const bool pay_records = project_sub_type_ == project_sub_type::kPayRecord ||
                            project_sub_type_ == project_sub_type::kLeaveSummary;
   return pay_records ? PrintPayRecInfo() : PrintTimeSheetInfo();

@@ -27,6 +27,7 @@ class BExcelExpEngBreakdownListRpt final : public ListingLayout {
   bool PrintEmptyTimesheetFinData();
 
  protected:
+  bool PrintBlock() override;
   bool LocateItem(const std::string& item_id, const std::string& item_type) override;
 
  private:

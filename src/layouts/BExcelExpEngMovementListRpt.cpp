@@ -42,15 +42,7 @@ bool BExcelExpEngMovementListRpt::ExecuteOperation() {
                        "AnlysPayRecBasis")) {
     return false;
   }
-  if (ExcelRptLayoutQry.RowCount() == 0) return FailNoPeriods();
-  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
-                        Rows::kOptional)) {
-    return false;
-  }
-  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
-  current_row_ = core_->StartPrintedRow;
-  current_col_ = core_->LastPrintedCol;
-  return PrintPayRecInfo();
+  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
 }
 
 bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {

@@ -21,6 +21,7 @@ class BExcelExpEngMovementListRpt final : public ListingLayout {
   int GetNoOfMergeCells() const { return FinanceColItemQry.RowCount(); }
 
  protected:
+  bool PrintBlock() override { return PrintPayRecInfo(); }
   bool LocateItem(const std::string& item_id, const std::string& item_type) override;
 
  private:

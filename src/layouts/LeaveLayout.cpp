@@ -26,15 +26,7 @@ bool LeaveLayout::ExecuteOperation() {
       !OpenPeriods(ChosenPeriodsSql(), leave_traits_.derives_groups ? DataPeriodsSql() : "")) {
     return false;
   }
-  if (ExcelRptLayoutQry.RowCount() == 0) return FailNoPeriods();
-  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
-                        Rows::kOptional)) {
-    return false;
-  }
-  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
-  current_row_ = core_->StartPrintedRow;
-  current_col_ = core_->LastPrintedCol;
-  return PrintPayRecInfo();
+  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
 }
 
 bool LeaveLayout::PrintPayRecInfo() {

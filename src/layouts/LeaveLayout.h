@@ -31,6 +31,7 @@ class LeaveLayout : public ListingLayout {
   virtual bool PrintPayPeriodInfo() = 0;
 
  protected:
+  bool PrintBlock() override { return PrintPayRecInfo(); }
   bool LocateItem(const std::string& item_id, const std::string& item_type) override;
   /// Once per entity, before its groups.
   virtual bool PrintBlockHeading() { return true; }

@@ -12,6 +12,17 @@ std::string ListingLayout::WalkWhere(const ColumnWalk& walk) const {
          "::" + std::string(walk.operation);
 }
 
+bool ListingLayout::PrintColumnItems() {
+  if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(), Where("ExecuteOperation"), "FinanceColItemQry",
+                        Rows::kOptional)) {
+    return false;
+  }
+  if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
+  current_row_ = core_->StartPrintedRow;
+  current_col_ = core_->LastPrintedCol;
+  return PrintBlock();
+}
+
 bool ListingLayout::WalkColumns(const ColumnWalk& walk) {
   core_->WriteBanner(Memo::kInternal, {walk.banner});
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {

@@ -43,6 +43,12 @@ class ListingLayout : public FinancialLayout {
   using FinancialLayout::FinancialLayout;
 
  protected:
+  /// Opens the report's column items and prints the block from its top left cell; a report without column
+  /// items is warned about and prints nothing.
+  bool PrintColumnItems();
+  /// Prints the entity's block from (current_row_, current_col_) and leaves the context's counters after it.
+  virtual bool PrintBlock() = 0;
+
   /// Prints one row at (current_row_, current_col_ + shift) and advances current_col_ past the columns
   /// printed.
   bool WalkColumns(const ColumnWalk& walk);

@@ -27,7 +27,7 @@ void Append(std::string& text, char16_t character) {
   }
 }
 
-/// The lead bytes of one length and what the second byte may be, so that every character has one spelling
+/// The first bytes of one length and what the second byte may be, so that every character has one spelling
 /// (The Unicode Standard, table 3-7).
 struct Sequence {
   std::uint8_t first_lead;
