@@ -120,7 +120,8 @@ class PayMonth {
 
   void AddMonthlyPay(PaySlip& slip) {
     const std::int64_t rate = employee_.RateOn(first_);
-    slip.working_days = static_cast<double>(DaysEmployed() * 5 / 7);
+    const std::int64_t whole_days = DaysEmployed() * 5 / 7;
+    slip.working_days = static_cast<double>(whole_days);
     slip.Add("BASIC", slip.working_days, rate, Part(rate));
     const bool late_raise = employee_.raised && *employee_.raised == first_ && random_.Chance(40);
     if (late_raise) slip.Add("BACKPAY", employee_.rate - employee_.first_rate);

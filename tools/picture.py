@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Renders worksheets of a workbook as pictures, each on one page, with LibreOffice Calc and poppler.
 
-usage: picture.py WORKBOOK FOLDER [DPI]      writes FOLDER/sheet-NN.png
+usage: picture.py WORKBOOK FOLDER [DPI [X,Y,WIDTH,HEIGHT]]      writes FOLDER/sheet-NN.png
+
+X and so on cut that part, in pixels, out of every picture.
 
 For looking at a result as a reader sees it; nothing is compared."""
 
@@ -58,6 +60,8 @@ def one_page_each(document) -> None:
 def main() -> int:
     workbook, folder = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
     dpi = sys.argv[3] if len(sys.argv) > 3 else "80"
+    part = sys.argv[4].split(",") if len(sys.argv) > 4 else []
+    cut = [word for pair in zip(("-x", "-y", "-W", "-H"), part) for word in pair]
     folder.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory() as scratch:
         port = free_port()
@@ -75,7 +79,7 @@ def main() -> int:
         finally:
             office.terminate()
             office.wait(30)
-        subprocess.run(["pdftoppm", "-r", dpi, "-png", str(pdf), str(folder / "sheet")], check=True)
+        subprocess.run(["pdftoppm", "-r", dpi, *cut, "-png", str(pdf), str(folder / "sheet")], check=True)
     return 0
 
 
