@@ -95,9 +95,10 @@ void CheckFilesDiffer(const Settings& settings, const std::string& output) {
   for (const Use& use : written) {
     if (use.file.empty()) continue;
     for (const Use& other : seen) {
-      if (IsSameFile(use.file, other.file))
+      if (IsSameFile(use.file, other.file)) {
         throw ArgumentError(std::string(use.option) + " '" + use.file + "' is the file of " +
                             std::string(other.option));
+      }
     }
     seen.push_back(use);
   }

@@ -70,9 +70,10 @@ Settings Parse(const Verb& verb, std::span<const std::string> arguments) {
     const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
     const std::string name = argument.substr(0, equals);
     const Option* option = Find(verb.options, name);
-    if (option == nullptr)
+    if (option == nullptr) {
       throw UsageError((name.starts_with('-') ? "there is no option '" : "nothing is known about '") + name +
                        "'");
+    }
     const bool is_switch = option->value.empty();
     if (is_switch && equals != std::string::npos) throw UsageError(name + " takes no value");
     std::string value = equals == std::string::npos ? "" : argument.substr(equals + 1);

@@ -127,9 +127,10 @@ class Logs {
 
 void CheckSettings(const Settings& settings) {
   CheckFilesDiffer(settings, settings.output);
-  if (!settings.workstation.empty() && !IsWorkstationAddress(settings.workstation))
+  if (!settings.workstation.empty() && !IsWorkstationAddress(settings.workstation)) {
     throw ArgumentError("--workstation '" + settings.workstation +
                         "' is no address of 1 to 39 letters, digits, '.', ':', '-', '_'");
+  }
   if (settings.output.empty()) return;
   if (std::filesystem::is_directory(settings.output))
     throw ArgumentError("--output '" + settings.output + "' is a folder");
@@ -244,9 +245,10 @@ class Export {
     if (settings_.quiet || settings_.verbose) return;
     const auto& warnings = logs_->Digest().Warnings();
     for (std::size_t i = 0; i < warnings.size() && i < kShownWarnings; ++i) ShowLine(warnings[i]);
-    if (warnings.size() > kShownWarnings)
+    if (warnings.size() > kShownWarnings) {
       ShowLine("... and " + std::to_string(warnings.size() - kShownWarnings) +
                " more warnings; --log FILE keeps all");
+    }
   }
 
   /// One sentence that says what was not exported and why. A worksheet that failed is named, and the first

@@ -19,9 +19,10 @@ void TakeDatabase(Settings& settings, const std::string& value) {
   const std::size_t equals = value.find('=');
   const std::string name = value.substr(0, equals);
   if (equals == std::string::npos || !IsName(name)) {
-    if (!settings.database.empty())
+    if (!settings.database.empty()) {
       throw UsageError("two files for --database, '" + settings.database + "' and '" + value +
                        "'; a further one needs a name, NAME=FILE");
+    }
     settings.database = value;
     return;
   }
@@ -48,9 +49,11 @@ template <typename Number>
 Number TakeNumber(std::string_view option, const std::string& value, Number low, Number high) {
   Number number = 0;
   const auto result = std::from_chars(value.data(), value.data() + value.size(), number);
-  if (result.ec != std::errc{} || result.ptr != value.data() + value.size() || number < low || number > high)
+  if (result.ec != std::errc{} || result.ptr != value.data() + value.size() || number < low ||
+      number > high) {
     throw UsageError(std::string(option) + " takes a number from " + std::to_string(low) + " to " +
                      std::to_string(high) + ", not '" + value + "'");
+  }
   return number;
 }
 

@@ -23,9 +23,9 @@ enum class BankRule {
 
 /// What the walks over a report's columns do differently. One walk prints one row of values.
 struct ColumnWalk {
-  std::string_view message_class = "";  ///< "" is the layout's own class
-  std::string_view operation = "";      ///< as messages name it
-  std::string_view banner = "";
+  std::string_view message_class = {};  ///< "" is the layout's own class
+  std::string_view operation = {};      ///< as messages name it
+  std::string_view banner = {};
   TitleRule titles = TitleRule::kFirstEntity;
   BankRule bank = BankRule::kAnyItem;
   bool expands_all = true;  ///< "<ALL>" items print one column per analysis item
