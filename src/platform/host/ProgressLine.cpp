@@ -1,6 +1,7 @@
 #include "platform/host/ProgressLine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "platform/host/Utf8.h"
@@ -54,7 +55,7 @@ std::string ProgressLine::Text(const Progress& progress, double seconds, int wid
 }
 
 std::string DurationText(double seconds) {
-  const auto total = static_cast<long>(std::clamp(seconds, 0.0, 359999.0) + 0.5);
+  const auto total = std::lround(std::clamp(seconds, 0.0, 359999.0));
   char text[24];
   if (total < 3600) {
     std::snprintf(text, sizeof text, "%ld:%02ld", total / 60, total % 60);
