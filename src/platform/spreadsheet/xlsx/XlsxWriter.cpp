@@ -109,7 +109,7 @@ void WriteWorkbookPart(Package& package, const Workbook& workbook,
     const std::string id = std::to_string(++number);
     xml += "<sheet name=\"";
     AppendAttribute(xml, sheet->Name());
-    xml += "\" sheetId=\"" + id + "\" r:id=\"rId" + id + "\"/>";
+    xml.append("\" sheetId=\"").append(id).append("\" r:id=\"rId").append(id).append("\"/>");
   }
   xml += "</sheets>";
   AppendDefinedNames(xml, names);
