@@ -44,8 +44,8 @@ PROMISES = [
             unit="bytes a cell"),
     Promise("xls_peak_memory_doubles", "WorkbookBytes/XlsDoubles", goal=64, counter="peak_bytes_per_cell",
             unit="bytes a cell"),
-    Promise("export_grouped_2000_to_ungrouped", "Export/Grouped2000/iterations:1", goal=1.5,
-            against="Export/Ungrouped/iterations:1"),
+    Promise("export_grouped_2000_to_ungrouped", "Export/Grouped/10000/iterations:1", goal=1.5,
+            against="Export/Xls/10000/iterations:1"),
 ]
 
 

@@ -2,19 +2,13 @@
 // libxlsxwriter alone writing the same values from memory.
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <xlsxwriter.h>
 
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "bench/Measure.h"
 #include "platform/spreadsheet/BExcelAPI.h"
 #include "platform/spreadsheet/WorkbookFile.h"
 #include "platform/spreadsheet/formula/Recalculate.h"
@@ -98,34 +92,6 @@ std::string Bytes(const Handle& workbook, const char* file_name) {
   return format.serialize(*workbook.Get());
 }
 
-/// The bytes by which the peak of resident memory rises above the start of `work`, in a process of its own.
-std::int64_t PeakBytes(const std::function<void()>& work) {
-  const auto status_bytes = [](const std::string& field) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-      if (line.starts_with(field)) return std::strtoll(line.c_str() + field.size(), nullptr, 10) * 1024;
-    }
-    return -1LL;
-  };
-  int ends[2];
-  if (pipe(ends) != 0) return -1;
-  const pid_t child = fork();
-  if (child == 0) {
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";  // the peak starts again from here
-    const std::int64_t base = status_bytes("VmRSS:");
-    work();
-    const std::int64_t rise = status_bytes("VmHWM:") - base;
-    _exit(write(ends[1], &rise, sizeof rise) == sizeof rise ? 0 : 1);
-  }
-  close(ends[1]);
-  std::int64_t rise = -1;
-  if (read(ends[0], &rise, sizeof rise) != sizeof rise) rise = -1;
-  close(ends[0]);
-  waitpid(child, nullptr, 0);
-  return rise;
-}
-
 /// Cells to bytes in memory.
 void WorkbookBytes(benchmark::State& state, const char* file_name, Values values) {
   const Table& table = TableOf(values);
@@ -149,20 +115,6 @@ void WorkbookModel(benchmark::State& state) {
   }
 }
 BENCHMARK(WorkbookModel)->Unit(benchmark::kMillisecond);
-
-/// A folder that goes away with the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder() : path_(mkdtemp(name_)) {}
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  std::string File(const char* name) const { return path_ + "/" + name; }
-
- private:
-  char name_[32] = "/tmp/excelexp-bench-XXXXXX";
-  std::string path_;
-};
 
 /// Cells to a published file.
 void WorkbookPublished(benchmark::State& state, const char* file_name, Values values) {

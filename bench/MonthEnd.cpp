@@ -1,0 +1,149 @@
+#include "bench/MonthEnd.h"
+
+#include <stdexcept>
+
+#include "demo/DemoDatabase.h"
+#include "engine/BExcelExpEngine.h"
+#include "platform/database/DatabaseRegistry.h"
+#include "platform/database/SqliteDatabase.h"
+#include "platform/database/SqliteWriter.h"
+#include "platform/host/BatchHost.h"
+#include "platform/host/LineSinks.h"
+
+namespace excelexp {
+namespace {
+
+constexpr char kAlias[] = "varndb";
+
+/// Of the demo's people some joined late or left early; this many more are made than are wanted.
+int WithSpare(int employees) {
+  return employees + employees / 10 + 20;
+}
+
+// The figures an analysis copies: twelve items of the regular pay in each of the last three months. Employees
+// beyond those wanted have none.
+constexpr char kFigures[] = R"(
+CREATE TABLE SetupMonthEnd AS
+  SELECT * FROM SetupPayByType
+  WHERE AnlysItemRecYear = 2024 AND AnlysItemRecPeriodMonth BETWEEN 10 AND 12 AND AnlysPayRecBasis = 'Normal'
+    AND AnlysItem1Id IN ('BASIC', 'PENSION', 'BasicPay', 'TotalAllowance', 'OvertimePay', 'ShiftPay',
+                         'TotalReimbursement', 'GrossWage', 'TotalDeduction', 'NetWage', 'WorkingDays',
+                         'PayHeadCount')
+    AND CAST(Basis1Id AS INTEGER) IN (SELECT EmployeeSysId FROM PayRecord WHERE PayRecYear = 2024
+                                      AND PayRecPeriod = 12 GROUP BY 1 ORDER BY 1 LIMIT )";
+
+constexpr char kDefinitions[] = R"();
+INSERT INTO EmpCode1 SELECT printf('G%05d', EmployeeSysId), printf('Group %05d', EmployeeSysId) FROM Employee;
+UPDATE Employee SET EmpCode1Id = printf('G%05d', (Paid.Place + 4) / 5)
+  FROM (SELECT CAST(Basis1Id AS INTEGER) AS Id, ROW_NUMBER() OVER (ORDER BY CAST(Basis1Id AS INTEGER)) AS Place
+        FROM SetupMonthEnd GROUP BY 1) AS Paid WHERE Paid.Id = EmployeeSysId;
+CREATE INDEX EmployeeOfCode1 ON Employee (EmpCode1Id);
+INSERT INTO ExcelSpreadsheet VALUES ('FLAT', '', 'Flat'), ('GROUPED', '', 'Grouped');
+INSERT INTO ExcelWkSheet (WkSheetSysId, ExcelSpreadsheetId, WkSheetOrder, WkSheetName, WkSheetRptSumLvl)
+  VALUES (9001, 'FLAT', 1, 'Payroll', 'SumLevelEmpee'), (9002, 'GROUPED', 1, 'Payroll', 'SumLevelEmpee');
+INSERT INTO AnlysProject (AnlysProjectId, AnlysProjectType, AnlysSetupId, CycleMethod, CycleGroupBy, CycleSubGroupBy)
+  VALUES ('MONTHEND', 'ProjTypePayroll', 'SetupMonthEnd', 'CycMtdPayPeriod', 'PeriodGrpPd', 'SubGrpPayRecType');
+INSERT INTO FinancialRpt VALUES ('FLAT', '', 'MONTHEND', 'BreakdownList', 0, 0),
+                                ('GROUPED', '', 'MONTHEND', 'BreakdownList', 0, 0);
+INSERT INTO ExcelWkSheetItem VALUES (9001, 9001, 1, 'FinancialRpt', 'FLAT'), (9002, 9002, 1, 'FinancialRpt', 'GROUPED');
+INSERT INTO ExcelWSItemRptOpts VALUES (9001, 2024, 10, 0, 2024, 12, 0), (9002, 2024, 10, 0, 2024, 12, 0);
+INSERT INTO FinanceColItem
+  SELECT 900000 + 100 * Report.column2 + Item.column1, Report.column1, Item.column1, Item.column2, Item.column3, Item.column4,
+         Item.column5, Item.column5, '', 0, Item.column2 = 'SummLvlItem', Item.column6
+  FROM (VALUES ('FLAT', 1), ('GROUPED', 2)) AS Report JOIN (VALUES
+    (1, 'SummLvlItem', '', 'Employee', 'EmployeeId', 'Body'),
+    (2, 'SummLvlItem', '', 'Employee', 'EmployeeName', 'Name'),
+    (3, 'SummLvlItem', '', 'Employee', 'PositionDesc', 'Body'),
+    (4, 'SummLvlItem', '', 'Employee', 'DepartmentDesc', 'Body'),
+    (5, 'AnlysItem', 'BASIC', 'PayElement', 'PayElementAmt', 'Amount'),
+    (6, 'AnlysItem', 'BasicPay', 'PaySystem', 'BasicPay', 'Amount'),
+    (7, 'AnlysItem', 'TotalAllowance', 'PaySystem', 'TotalAllowance', 'Amount'),
+    (8, 'AnlysItem', 'OvertimePay', 'PaySystem', 'OvertimePay', 'Amount'),
+    (9, 'AnlysItem', 'ShiftPay', 'PaySystem', 'ShiftPay', 'Amount'),
+    (10, 'AnlysItem', 'TotalReimbursement', 'PaySystem', 'TotalReimbursement', 'Amount'),
+    (11, 'AnlysItem', 'GrossWage', 'PaySystem', 'GrossWage', 'Total'),
+    (12, 'AnlysItem', 'PENSION', 'Deduction', 'DeductionAmt', 'Deduct'),
+    (13, 'AnlysItem', 'TotalDeduction', 'PaySystem', 'TotalDeduction', 'Deduct'),
+    (14, 'AnlysItem', 'NetWage', 'PaySystem', 'NetWage', 'Total'),
+    (15, 'AnlysItem', 'WorkingDays', 'PaySystem', 'WorkingDays', 'Note'),
+    (16, 'AnlysItem', 'PayHeadCount', 'PaySystem', 'PayHeadCount', 'Note')) AS Item;
+INSERT INTO FinanceGrpItem VALUES (9001, 'GROUPED', 1, 'Group', 'Employee', 'EmpCode1Id', 1, 1, 'DefColourScheme');
+)";
+
+/// Leaves the records of the first generation where they are.
+class KeepingHost final : public BatchHost {
+ public:
+  KeepingHost(const std::string& database_file, std::string output_file, bool generated)
+      : BatchHost(database_file, std::move(output_file)), generated_(generated) {}
+
+  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
+                                                        const std::string& database_name,
+                                                        bool interactive) override {
+    return std::make_unique<Keeping>(BatchHost::CreateAnalysisRptEng(request, database_name, interactive),
+                                     generated_);
+  }
+
+ private:
+  class Keeping final : public BAnalysisRptEng {
+   public:
+    Keeping(std::unique_ptr<BAnalysisRptEng> real, bool generated)
+        : real_(std::move(real)), generated_(generated) {}
+    void SetQueryViewTable(const BQueryViewTable* view_table) override {
+      real_->SetQueryViewTable(view_table);
+    }
+    int ExecuteOperation() override { return generated_ ? 1 : real_->ExecuteOperation(); }
+    void DeleteOperation() override {}
+
+   private:
+    std::unique_ptr<BAnalysisRptEng> real_;
+    bool generated_;
+  };
+
+  bool generated_;
+};
+
+}  // namespace
+
+MonthEnd::MonthEnd(int employees, std::uint64_t seed) : employees_(employees) {
+  DemoOptions options;
+  options.employees = WithSpare(employees);
+  options.seed = seed;
+  WriteDemoDatabase(DatabaseFile(), options);
+  SqliteWriter writer(DatabaseFile());
+  writer.Transaction([&] { writer.ExecuteScript(kFigures + std::to_string(employees) + kDefinitions); });
+}
+
+void MonthEnd::Export(const std::string& spreadsheet, std::string_view extension, Records records) const {
+  Export(spreadsheet, extension, records, OpenSqliteDatabase(DatabaseFile()));
+}
+
+void MonthEnd::Export(const std::string& spreadsheet, std::string_view extension, Records records,
+                      std::shared_ptr<Database> connection) const {
+  DatabaseRegistry::Register(kAlias, std::move(connection));
+  const bool stays = records == Records::kAlreadyThere;
+  const FixedViewTable view(stays ? "stays" : "bench", "ViewEmployee");
+  const auto generated = [&] {
+    const std::string sql =
+        "SELECT COUNT(*) FROM AnlysItemRecord WHERE AnlysIPAddress = '" + view.sGetIPAddress() + "_1'";
+    return DatabaseRegistry::Find(kAlias)->Select(sql)->AsInteger(0, 0) > 0;
+  };
+  std::unique_ptr<BatchHost> host;
+  if (stays) {
+    host = std::make_unique<KeepingHost>(DatabaseFile(), OutputFile(extension), generated());
+  } else {
+    host = std::make_unique<BatchHost>(DatabaseFile(), OutputFile(extension));
+  }
+  FileLineSink user_log(folder_.File("user.log"));
+  FileLineSink internal_log(folder_.File("internal.log"));
+  BExcelExpEngine engine(spreadsheet, &view, kAlias);
+  engine.SetHost(host.get());
+  engine.SetLogMemo(&user_log);
+  engine.SetInternalMemo(&internal_log);
+  const int result = engine.ExecuteOperation();
+  user_log.Flush();
+  internal_log.Flush();
+  DatabaseRegistry::Remove(kAlias);
+  if (result != 1) throw std::runtime_error("the export of " + spreadsheet + " failed");
+}
+
+}  // namespace excelexp
