@@ -47,6 +47,9 @@ INSERT INTO FinancialRpt VALUES ('FLAT', '', 'MONTHEND', 'BreakdownList', 0, 0),
                                 ('GROUPED', '', 'MONTHEND', 'BreakdownList', 0, 0);
 INSERT INTO ExcelWkSheetItem VALUES (9001, 9001, 1, 'FinancialRpt', 'FLAT'), (9002, 9002, 1, 'FinancialRpt', 'GROUPED');
 INSERT INTO ExcelWSItemRptOpts VALUES (9001, 2024, 10, 0, 2024, 12, 0), (9002, 2024, 10, 0, 2024, 12, 0);
+INSERT INTO ExcelWSItemRptLayout
+  SELECT Item.column1, Month.column1 - 9, 2024, Month.column1, 0, 'Normal'
+  FROM (VALUES (9001), (9002)) AS Item JOIN (VALUES (10), (11), (12)) AS Month;
 INSERT INTO FinanceColItem
   SELECT 900000 + 100 * Report.column2 + Item.column1, Report.column1, Item.column1, Item.column2, Item.column3, Item.column4,
          Item.column5, Item.column5, '', 0, Item.column2 = 'SummLvlItem', Item.column6

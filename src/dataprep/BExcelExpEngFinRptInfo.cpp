@@ -125,10 +125,10 @@ int BExcelExpEngFinRptInfo::CheckFinancialRptData() {
   const std::string data = "SELECT * FROM AnlysItemRecord WHERE AnlysProjectId = " + SqlText(project) +
                            std::string(14, ' ') + "AND AnlysIPAddress = " + SqlText(key);
   if (!core_->ExecuteSQL(data)) return -1;
-  if (core_->SQLQry->RowCount() == 0) return 0;
+  if (core_->SQLQry->IsEmpty()) return 0;
   if (core_->FirstWkSheetItem) {
     if (!core_->ExecuteSQL(data + " AND Basis1Id IN " + core_->FirstWkSheetItemSQL)) return -1;
-    return core_->SQLQry->RowCount() > 0 ? 1 : 0;
+    return core_->SQLQry->IsEmpty() ? 0 : 1;
   }
   SetFirstWkSheetItem(true);
   SetFirstWSItemAnalysProj(project);

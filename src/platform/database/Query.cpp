@@ -82,7 +82,7 @@ int Query::RowCount() const {
 void Query::First() {
   row_ = 0;
   bof_ = true;
-  eof_ = RowCount() == 0;
+  eof_ = IsEmpty();
 }
 
 void Query::Last() {
@@ -92,21 +92,21 @@ void Query::Last() {
 }
 
 void Query::Next() {
-  if (RowCount() == 0) return;
+  if (IsEmpty()) return;
   bof_ = false;
   eof_ = row_ + 1 == RowCount();
   if (!eof_) ++row_;
 }
 
 void Query::Prior() {
-  if (RowCount() == 0) return;
+  if (IsEmpty()) return;
   eof_ = false;
   bof_ = row_ == 0;
   if (!bof_) --row_;
 }
 
 Field Query::FieldByName(std::string_view name) const {
-  if (result_ == nullptr || result_->RowCount() == 0) {
+  if (IsEmpty()) {
     const char* state =
         result_ == nullptr ? "' is read from a query that is closed" : "' is read from an empty result";
     throw DatabaseError("field '" + std::string(name) + state, sql_);

@@ -70,6 +70,8 @@ class Query {
   bool Eof() const { return eof_; }
   /// 0 for a closed query.
   int RowCount() const;
+  /// Whether there are no rows; cheaper than counting them.
+  bool IsEmpty() const { return result_ == nullptr || result_->IsEmpty(); }
 
   /// Throws DatabaseError, naming the field and the statement, when the query is closed, empty or has no such
   /// column.

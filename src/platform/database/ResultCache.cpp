@@ -7,12 +7,14 @@ namespace {
 
 constexpr std::size_t kEntryOverhead = 256;  // list and map nodes, the result's own object
 constexpr std::size_t kLargestShare = 4;     // of the whole cache, for one result
+constexpr int kKeptOnTrial = 100;
 
 }  // namespace
 
 std::shared_ptr<const ResultSet> ResultCache::Find(std::string_view sql) {
   const auto found = by_sql_.find(sql);
   if (found == by_sql_.end()) return nullptr;
+  ++found->second->use->hits;
   if (found->second != entries_.begin()) entries_.splice(entries_.begin(), entries_, found->second);
   std::shared_ptr<const ResultSet> result = entries_.front().result;
   // A search may have built an index meanwhile.
@@ -28,9 +30,12 @@ std::size_t ResultCache::BytesOf(const Entry& entry) {
   return entry.result->Bytes() + entry.sql.size() + kEntryOverhead;
 }
 
-void ResultCache::Put(const std::string& sql, std::shared_ptr<const ResultSet> result) {
+void ResultCache::Put(const std::string& sql, std::shared_ptr<const ResultSet> result,
+                      std::shared_ptr<CacheUse> use) {
+  if (use->kept > kKeptOnTrial && use->hits < use->kept) return;
   if (by_sql_.contains(sql)) return;
-  Entry entry{sql, std::move(result), 0};
+  ++use->kept;
+  Entry entry{sql, std::move(result), std::move(use), 0};
   entry.bytes = BytesOf(entry);
   if (entry.bytes > max_bytes_ / kLargestShare) return;
   bytes_ += entry.bytes;

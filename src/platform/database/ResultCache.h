@@ -11,6 +11,12 @@
 
 namespace excelexp {
 
+/// How a statement's results fared in the cache: kept, and asked for again.
+struct CacheUse {
+  int kept = 0;
+  int hits = 0;
+};
+
 /// The results of recent statements by their texts. Holds at most a given number of bytes and drops what was
 /// not asked for longest.
 class ResultCache {
@@ -19,14 +25,17 @@ class ResultCache {
 
   /// nullptr when the text's result is not here.
   std::shared_ptr<const ResultSet> Find(std::string_view sql);
-  /// Keeps the result, unless it alone would push most of the others out.
-  void Put(const std::string& sql, std::shared_ptr<const ResultSet> result);
+  /// Keeps the result, unless it alone would push most of the others out, or results of the same use are
+  /// hardly ever asked for again.
+  void Put(const std::string& sql, std::shared_ptr<const ResultSet> result,
+           std::shared_ptr<CacheUse> use = std::make_shared<CacheUse>());
   void Clear();
 
  private:
   struct Entry {
     std::string sql;
     std::shared_ptr<const ResultSet> result;
+    std::shared_ptr<CacheUse> use;
     std::size_t bytes;  // as counted in bytes_
   };
   static std::size_t BytesOf(const Entry& entry);

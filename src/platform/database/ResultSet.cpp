@@ -17,6 +17,8 @@
 namespace excelexp {
 namespace {
 
+constexpr std::size_t kMostKeys = 16;
+
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
@@ -70,26 +72,71 @@ struct ResultSet::TextBuffer {
   std::array<char, 40> bytes;
 };
 
-ResultSet::ResultSet(std::vector<std::string> names) : names_(std::move(names)) {
-  name_hashes_.reserve(names_.size());
-  for (const std::string& name : names_) name_hashes_.push_back(HashName(name));
+ResultColumns::ResultColumns(std::vector<std::string> names)
+    : names_(std::move(names)), slots_(std::bit_ceil(names_.size() * 2 + 1)), asked_(names_.size()) {
+  const std::size_t mask = slots_.size() - 1;
+  for (std::size_t column = 0; column < names_.size(); ++column) {
+    std::size_t slot = HashName(names_[column]) & mask;
+    while (slots_[slot] != 0) slot = (slot + 1) & mask;
+    slots_[slot] = static_cast<int>(column) + 1;
+  }
 }
 
-ResultSet::~ResultSet() = default;
-
-int ResultSet::ColumnIndex(std::string_view name) const {
-  const std::uint32_t hash = HashName(name);
-  for (std::size_t i = 0; i < names_.size(); ++i)
-    if (name_hashes_[i] == hash && SameName(names_[i], name)) return static_cast<int>(i);
+int ResultColumns::Find(std::string_view name) const {
+  const std::size_t mask = slots_.size() - 1;
+  for (std::size_t slot = HashName(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
+    const auto column = static_cast<std::size_t>(slots_[slot] - 1);
+    if (!SameName(names_[column], name)) continue;
+    if (!asked_[column]) ++asked_count_;
+    asked_[column] = true;
+    return static_cast<int>(column);
+  }
   return -1;
 }
 
-ResultSet::Value ResultSet::At(int row, int column) const {
-  if (row < 0 || row >= RowCount() || column < 0 || column >= ColumnCount()) {
+std::vector<int> ResultColumns::Asked() const {
+  std::vector<int> asked;
+  for (int column = 0; column < Count(); ++column)
+    if (asked_[static_cast<std::size_t>(column)]) asked.push_back(column);
+  return asked;
+}
+
+ResultSet::ResultSet(std::shared_ptr<const ResultColumns> columns)
+    : columns_(std::move(columns)), width_(static_cast<std::size_t>(columns_->Count())) {}
+
+ResultSet::~ResultSet() = default;
+
+const ResultSet& ResultSet::Rest(Missing missing) const {
+  if (rest_failed_) std::rethrow_exception(rest_failed_);
+  if (rest_ == nullptr) rest_ = fetch_(missing);
+  return *rest_;
+}
+
+void ResultSet::Complete() const {
+  try {
+    if (!IsComplete() && !rest_failed_) Rest(Missing::kColumns).Complete();
+  } catch (...) {
+    rest_failed_ = std::current_exception();
+  }
+}
+
+ResultSet::Place ResultSet::PlaceOf(int row, int column) const {
+  const auto row_index = static_cast<std::size_t>(row);
+  const auto column_index = static_cast<std::size_t>(column);
+  if (row >= 0 && row_index >= row_count_ && has_more_rows_) return Rest(Missing::kRows).PlaceOf(row, column);
+  if (row < 0 || row_index >= row_count_ || column < 0 || column >= ColumnCount()) {
     throw std::out_of_range("the result has no row " + std::to_string(row) + " or no column " +
                             std::to_string(column));
   }
-  return AtUnchecked(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
+  if (places_ == nullptr) return {this, row_index, column_index};
+  const int place = (*places_)[column_index];
+  if (place < 0) return Rest(Missing::kColumns).PlaceOf(row, column);
+  return {this, row_index, static_cast<std::size_t>(place)};
+}
+
+bool ResultSet::IsNull(int row, int column) const {
+  const Place place = PlaceOf(row, column);
+  return place.result->At(place).kind == Kind::kNull;
 }
 
 std::string_view ResultSet::AsView(Value value, TextBuffer& buffer) const {
@@ -118,28 +165,32 @@ std::string_view ResultSet::AsView(Value value, TextBuffer& buffer) const {
 }
 
 std::string ResultSet::AsText(int row, int column) const {
+  const Place place = PlaceOf(row, column);
   TextBuffer buffer;
-  return std::string(AsView(At(row, column), buffer));
+  return std::string(place.result->AsView(place.result->At(place), buffer));
 }
 
 std::int64_t ResultSet::AsInteger(int row, int column) const {
-  const Value value = At(row, column);
+  const Place place = PlaceOf(row, column);
+  const Value value = place.result->At(place);
   if (value.kind == Kind::kInteger) return static_cast<std::int64_t>(value.bits);
   if (value.kind == Kind::kFloat) return Truncate(std::bit_cast<double>(value.bits));
-  return value.kind == Kind::kNull ? 0 : ReadInteger(TextOf(value.bits));
+  return value.kind == Kind::kNull ? 0 : ReadInteger(place.result->TextOf(value.bits));
 }
 
 double ResultSet::AsFloat(int row, int column) const {
-  const Value value = At(row, column);
+  const Place place = PlaceOf(row, column);
+  const Value value = place.result->At(place);
   if (value.kind == Kind::kFloat) return std::bit_cast<double>(value.bits);
   if (value.kind == Kind::kInteger) return static_cast<double>(static_cast<std::int64_t>(value.bits));
-  return value.kind == Kind::kNull ? 0.0 : ReadFloat(TextOf(value.bits));
+  return value.kind == Kind::kNull ? 0.0 : ReadFloat(place.result->TextOf(value.bits));
 }
 
 DateTime ResultSet::AsDateTime(int row, int column) const {
-  const Value value = At(row, column);
+  const Place place = PlaceOf(row, column);
+  const Value value = place.result->At(place);
   TextBuffer buffer;
-  const std::string_view text = AsView(value, buffer);
+  const std::string_view text = place.result->AsView(value, buffer);
   const bool is_text = value.kind == Kind::kText;
   if (text.empty() || (!is_text && text == "0")) return {};
   if (!is_text) FailDate(column, std::string(text));
@@ -161,11 +212,21 @@ std::string ResultSet::AsBytes(int row, int column) const {
 int ResultSet::Find(std::span<const int> columns, std::span<const KeyValue> keys) const {
   if (columns.size() != keys.size() || columns.empty())
     throw std::invalid_argument("a search needs one key for each of its columns");
+  if (keys.size() > kMostKeys) throw std::invalid_argument("a search has too many keys");
+  if (has_more_rows_) return Rest(Missing::kRows).Find(columns, keys);
+  std::array<int, kMostKeys> here{};
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    static_cast<void>(ColumnName(columns[i]));  // throws for an unknown one
+    here[i] = places_ == nullptr ? columns[i] : (*places_)[static_cast<std::size_t>(columns[i])];
+    if (here[i] < 0) return Rest(Missing::kColumns).Find(columns, keys);
+  }
+  return FindHere(std::span(here).first(columns.size()), keys);
+}
+
+int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyValue> keys) const {
   const Index& index = IndexOver(columns);
-  constexpr std::size_t kManyKeys = 16;
-  if (keys.size() > kManyKeys) throw std::invalid_argument("a search has too many keys");
-  std::array<std::string_view, kManyKeys> texts;
-  std::array<TextBuffer, kManyKeys> buffers;
+  std::array<std::string_view, kMostKeys> texts;
+  std::array<TextBuffer, kMostKeys> buffers;
   std::size_t hash = 0;
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const auto* number = std::get_if<std::int64_t>(&keys[i]);
@@ -188,7 +249,6 @@ int ResultSet::Find(std::span<const int> columns, std::span<const KeyValue> keys
 const ResultSet::Index& ResultSet::IndexOver(std::span<const int> columns) const {
   for (const std::unique_ptr<const Index>& index : indexes_)
     if (std::ranges::equal(index->columns, columns)) return *index;
-  for (const int column : columns) static_cast<void>(ColumnName(column));  // throws for an unknown one
   indexes_.push_back(std::make_unique<const Index>(BuildIndex(columns)));
   bytes_ += indexes_.back()->slots.size() * sizeof(std::uint32_t) + sizeof(Index);
   return *indexes_.back();
@@ -222,7 +282,17 @@ bool ResultSet::SameKeys(std::size_t row, std::size_t other, std::span<const int
 }
 
 ResultSetBuilder::ResultSetBuilder(std::vector<std::string> column_names)
-    : result_(new ResultSet(std::move(column_names))), width_(result_->names_.size()) {}
+    : ResultSetBuilder(std::make_shared<const ResultColumns>(std::move(column_names))) {}
+
+ResultSetBuilder::ResultSetBuilder(std::shared_ptr<const ResultColumns> columns)
+    : result_(new ResultSet(std::move(columns))), width_(result_->width_) {}
+
+ResultSetBuilder::ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
+                                   std::shared_ptr<const std::vector<int>> places, std::size_t width)
+    : result_(new ResultSet(std::move(columns))), width_(width) {
+  result_->places_ = std::move(places);
+  result_->width_ = width;
+}
 
 void ResultSetBuilder::BeginRow() {
   ResultSet& result = *result_;
@@ -289,8 +359,14 @@ std::shared_ptr<const ResultSet> ResultSetBuilder::Finish() {
     if (rows < block_rows_) Resize(result.blocks_.back(), rows, rows);
   }
   result.text_.shrink_to_fit();
-  result.bytes_ = Bytes() + sizeof(ResultSet) + width_ * (sizeof(std::string) + sizeof(std::uint32_t));
+  result.bytes_ = Bytes() + sizeof(ResultSet);
   return std::move(result_);
+}
+
+std::shared_ptr<const ResultSet> ResultSetBuilder::Finish(bool has_more_rows, ResultSet::Fetch fetch) {
+  result_->has_more_rows_ = has_more_rows;
+  result_->fetch_ = std::move(fetch);
+  return Finish();
 }
 
 }  // namespace excelexp

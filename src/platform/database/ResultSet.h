@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,25 +17,56 @@ namespace excelexp {
 /// One value of a Locate: integers and texts may stand in one list.
 using KeyValue = std::variant<std::int64_t, std::string>;
 
-/// A whole query result, read once and never changed, shared by any number of cursors of one thread.
+/// The columns of a statement's results, shared by all of them, and which of them have been asked for by
+/// name. Letter case does not count; of two columns of one name the first counts.
+class ResultColumns {
+ public:
+  explicit ResultColumns(std::vector<std::string> names);
+
+  int Count() const { return static_cast<int>(names_.size()); }
+  const std::string& Name(int column) const { return names_.at(static_cast<std::size_t>(column)); }
+  /// -1 when there is no such column.
+  int Find(std::string_view name) const;
+
+  /// The columns that Find found so far, from the left.
+  std::vector<int> Asked() const;
+  int AskedCount() const { return asked_count_; }
+
+ private:
+  std::vector<std::string> names_;
+  std::vector<int> slots_;  // column + 1 by the hash of its name, or 0; a power of two of them
+  mutable std::vector<bool> asked_;
+  mutable int asked_count_ = 0;
+};
+
+/// The result of a query, never changed, shared by any number of cursors of one thread.
 ///
-/// Columns are found by name without regard to case; of two columns of one name the first counts.
+/// What a result leaves out of the first reading (rows behind the first ones, columns that nobody asked for
+/// before) it fetches when it is asked for; no caller can tell, except by the time.
+///
 /// Values are read the way the engine's classes read fields: NULL as "", 0, 0.0 and the null date; a text as
 /// a number by its leading digits; a number as text without locale. A row or column that the result does not
 /// have throws std::out_of_range.
 class ResultSet {
  public:
+  enum class Missing { kRows, kColumns };
+  /// The same result with all of its rows (and the same columns at least), or with everything.
+  using Fetch = std::function<std::shared_ptr<const ResultSet>(Missing)>;
+
   ResultSet(const ResultSet&) = delete;
   ResultSet& operator=(const ResultSet&) = delete;
   ~ResultSet();
 
-  int RowCount() const { return static_cast<int>(row_count_); }
-  int ColumnCount() const { return static_cast<int>(names_.size()); }
-  const std::string& ColumnName(int column) const { return names_.at(static_cast<std::size_t>(column)); }
+  int RowCount() const {
+    return static_cast<int>(has_more_rows_ ? Rest(Missing::kRows).row_count_ : row_count_);
+  }
+  bool IsEmpty() const { return row_count_ == 0; }
+  int ColumnCount() const { return columns_->Count(); }
+  const std::string& ColumnName(int column) const { return columns_->Name(column); }
   /// -1 when there is no such column.
-  int ColumnIndex(std::string_view name) const;
+  int ColumnIndex(std::string_view name) const { return columns_->Find(name); }
 
-  bool IsNull(int row, int column) const { return At(row, column).kind == Kind::kNull; }
+  bool IsNull(int row, int column) const;
   /// Integers in decimal; numbers as the shortest text that reads back as the same value, without exponent
   /// between 1e-5 and 1e15, whole ones without a point.
   std::string AsText(int row, int column) const;
@@ -55,9 +88,20 @@ class ResultSet {
   /// About how much memory the result takes, its indexes included.
   std::size_t Bytes() const { return bytes_; }
 
+  bool IsComplete() const { return !has_more_rows_ && places_ == nullptr; }
+  /// Fetches what is left out, for the fetching will not work any more. What fails is thrown when somebody
+  /// asks for it.
+  void Complete() const;
+
  private:
   friend class ResultSetBuilder;
   enum class Kind : std::uint8_t { kNull, kInteger, kFloat, kText, kBlob };
+  /// Where a value stands: in this result, or in the one that was fetched later.
+  struct Place {
+    const ResultSet* result;
+    std::size_t row;
+    std::size_t column;
+  };
   // An integer or a number as its bits; a text or blob as its offset (high half) and length in text_.
   struct Value {
     Kind kind;
@@ -75,14 +119,16 @@ class ResultSet {
   static constexpr std::size_t kBlockShift = 10;
   static constexpr std::size_t kBlockRows = std::size_t{1} << kBlockShift;
 
-  explicit ResultSet(std::vector<std::string> names);
+  explicit ResultSet(std::shared_ptr<const ResultColumns> columns);
 
-  Value At(int row, int column) const;
+  Place PlaceOf(int row, int column) const;
+  const ResultSet& Rest(Missing missing) const;
   Value AtUnchecked(std::size_t row, std::size_t column) const {
     const Block& block = blocks_[row >> kBlockShift];
-    const std::size_t cell = (row & (kBlockRows - 1)) * names_.size() + column;
+    const std::size_t cell = (row & (kBlockRows - 1)) * width_ + column;
     return {block.kinds[cell], block.bits[cell]};
   }
+  Value At(const Place& place) const { return AtUnchecked(place.row, place.column); }
   std::string_view TextOf(std::uint64_t bits) const {
     return std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu);
   }
@@ -90,12 +136,19 @@ class ResultSet {
   std::string_view AsView(Value value, TextBuffer& buffer) const;
   [[noreturn]] void FailDate(int column, const std::string& text) const;
 
+  int FindHere(std::span<const int> columns, std::span<const KeyValue> keys) const;
   const Index& IndexOver(std::span<const int> columns) const;
   Index BuildIndex(std::span<const int> columns) const;
   bool SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const;
 
-  std::vector<std::string> names_;
-  std::vector<std::uint32_t> name_hashes_;
+  std::shared_ptr<const ResultColumns> columns_;
+  std::shared_ptr<const std::vector<int>>
+      places_;         // of each column among those that are here, or -1; null: all are
+  std::size_t width_;  // how many columns are here
+  bool has_more_rows_ = false;
+  mutable Fetch fetch_;
+  mutable std::shared_ptr<const ResultSet> rest_;
+  mutable std::exception_ptr rest_failed_;
   std::size_t row_count_ = 0;
   std::vector<Block> blocks_;
   std::string text_;
@@ -107,6 +160,11 @@ class ResultSet {
 class ResultSetBuilder {
  public:
   explicit ResultSetBuilder(std::vector<std::string> column_names);
+  explicit ResultSetBuilder(std::shared_ptr<const ResultColumns> columns);
+  /// For a result of which only some columns are added: `places` says for each column which of them it is, or
+  /// -1; `width` is how many they are.
+  ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
+                   std::shared_ptr<const std::vector<int>> places, std::size_t width);
 
   /// Makes room for one more row; its columns are then to be added.
   void BeginRow();
@@ -116,8 +174,12 @@ class ResultSetBuilder {
   void AddText(std::string_view text) { AddBytes(ResultSet::Kind::kText, text); }
   void AddBlob(std::string_view bytes) { AddBytes(ResultSet::Kind::kBlob, bytes); }
 
+  /// How many columns are to be added to a row.
+  std::size_t Width() const { return width_; }
   std::size_t Bytes() const;
   std::shared_ptr<const ResultSet> Finish();
+  /// The same for a result that leaves columns out, or, with `has_more_rows`, rows.
+  std::shared_ptr<const ResultSet> Finish(bool has_more_rows, ResultSet::Fetch fetch);
 
  private:
   using Kind = ResultSet::Kind;

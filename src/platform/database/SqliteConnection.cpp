@@ -145,6 +145,12 @@ void SqliteConnection::BeginStatement() {
   memory_at_begin_ = sqlite3_memory_used();
 }
 
+void SqliteConnection::ContinueStatement(DateTime moment) {
+  BeginStatement();
+  moment_ = moment;
+  moment_taken_ = true;
+}
+
 DateTime SqliteConnection::Moment() {
   if (!moment_taken_) moment_ = hooks_.now ? hooks_.now() : SystemNow();
   moment_taken_ = true;

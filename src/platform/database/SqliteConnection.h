@@ -51,6 +51,8 @@ class SqliteConnection {
   /// Begins a statement that a caller sees as one: NOW() gives one moment, and memory is counted, until the
   /// next call.
   void BeginStatement();
+  /// The same for the rest of a statement that began at that moment.
+  void ContinueStatement(DateTime moment);
   DateTime Moment();
 
  private:

@@ -5,9 +5,7 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
-#include <list>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -19,12 +17,15 @@
 #include "platform/database/ResultSet.h"
 #include "platform/database/SqliteConnection.h"
 #include "platform/database/SqliteGuard.h"
+#include "platform/database/StatementPool.h"
 #include "platform/database/StoredFunctions.h"
 
 namespace excelexp {
 namespace {
 
-constexpr std::size_t kKeptStatements = 64;
+// Who only wants to know whether there are rows reads no more than these.
+constexpr int kFirstRows = 256;
+constexpr std::size_t kPartialResults = 64;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
 
 struct TypeWord {
@@ -63,17 +64,6 @@ std::string TypeWordOf(const std::string& declared) {
   return word;
 }
 
-// The names of the columns of a join in parentheses bear a number when two tables share them ("Id:1"); the
-// column they come from tells which.
-std::string ColumnNameOf(sqlite3_stmt* statement, int column) {
-  std::string name = sqlite3_column_name(statement, column);
-  const char* const origin = sqlite3_column_origin_name(statement, column);
-  const std::size_t colon = name.rfind(':');
-  if (origin == nullptr || colon == std::string::npos || name.compare(0, colon, origin) != 0) return name;
-  const bool numbered = name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
-  return numbered ? origin : name;
-}
-
 // Reading through the value saves SQLite's column functions from looking the column up again each time. That
 // is sound here because nobody else uses the connection meanwhile.
 void AddCell(ResultSetBuilder& builder, sqlite3_value* value) {
@@ -96,11 +86,14 @@ void AddCell(ResultSetBuilder& builder, sqlite3_value* value) {
   }
 }
 
-/// Rewinds a statement when the rows were read, or when reading them failed.
+/// Rewinds a statement, and frees it of values, when the rows were read, or when reading them failed.
 class Rewinder {
  public:
   explicit Rewinder(sqlite3_stmt* statement) : statement_(statement) {}
-  ~Rewinder() { sqlite3_reset(statement_); }
+  ~Rewinder() {
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_);
+  }
   Rewinder(const Rewinder&) = delete;
   Rewinder& operator=(const Rewinder&) = delete;
 
@@ -108,9 +101,22 @@ class Rewinder {
   sqlite3_stmt* statement_;
 };
 
+/// Says that a statement is running.
+class Running {
+ public:
+  explicit Running(bool& running) : running_(running) { running_ = true; }
+  ~Running() { running_ = false; }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+ private:
+  bool& running_;
+};
+
 class SqliteDatabase final : public Database {
  public:
   SqliteDatabase(const std::string& file, SqliteOptions options);
+  ~SqliteDatabase() override;
 
   std::shared_ptr<const ResultSet> Select(const std::string& sql) override;
   std::string ColumnType(std::string_view table, std::string_view column) override;
@@ -119,22 +125,27 @@ class SqliteDatabase final : public Database {
   void NoteWrite() override;
 
  private:
-  /// A statement kept for the next time its text is sent.
-  struct Kept {
-    std::string sql;
-    CompiledQuery query;
+  /// How much of a result is read, and as of when.
+  struct Reading {
+    bool all_rows = false;
+    bool all_columns = false;
+    std::optional<DateTime> moment = {};
   };
 
   std::shared_ptr<const ResultSet> Run(const std::string& sql);
-  std::shared_ptr<const ResultSet> ReadRows(sqlite3_stmt* statement, const std::string& sql);
-  CompiledQuery Compile(const std::string& sql);
-  CompiledQuery TakeStatement(const std::string& sql);
-  void KeepStatement(const std::string& sql, CompiledQuery query);
+  std::shared_ptr<const ResultSet> Read(KeptStatement& kept, const std::string& sql, const Reading& reading);
+  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, bool all_rows, ResultSetBuilder& builder);
+  std::shared_ptr<const ResultSet> FetchRest(const std::string& sql, ResultSet::Missing missing,
+                                             std::optional<DateTime> moment);
+  CompiledQuery Compile(const std::string& sql, const std::string& sent);
+  void NoteFailure(const DatabaseError& error, const std::string& sql);
+
+  void NotePartial(const std::shared_ptr<const ResultSet>& result);
+  void CompletePartial();
 
   /// `sent` is the statement that errors show.
   void BeginSnapshot(const std::string& sent);
   void EndSnapshot();
-  void ForgetData();
   void ForgetSchema();
   std::int64_t Pragma(const char* sql, const std::string& sent);
   std::string Parameter(std::string_view id, std::string_view absent);
@@ -144,9 +155,11 @@ class SqliteDatabase final : public Database {
   SqliteGuard guard_;
   Catalogue catalogue_;
   FindTable find_table_;
-  std::list<Kept> statements_;  // the one used last in front
+  StatementPool statements_;
   StoredFunctions functions_;
   ResultCache cache_;
+  std::vector<std::weak_ptr<const ResultSet>> partial_;  // results that may come back for their rest
+  bool running_ = false;
   bool in_snapshot_ = false;
   std::optional<std::int64_t> data_version_;
   std::optional<std::int64_t> schema_version_;
@@ -167,7 +180,9 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
       guard_(connection_),
       catalogue_(connection_),
       find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
-      functions_(connection_, guard_, [this](const std::string& sql) { return Compile(sql); }),
+      statements_(connection_, guard_,
+                  [this](const std::string& sql, const std::string& sent) { return Compile(sql, sent); }),
+      functions_(connection_, guard_, [this](const std::string& sql) { return Compile(sql, sql); }),
       cache_(options_.cache_bytes) {
   {
     const SqliteGuard::Pass pass(guard_);
@@ -178,83 +193,128 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
   EndSnapshot();
 }
 
+SqliteDatabase::~SqliteDatabase() {
+  cache_.Clear();
+  CompletePartial();
+}
+
 std::shared_ptr<const ResultSet> SqliteDatabase::Select(const std::string& sql) {
   // What is in the cache is of this snapshot: both end together.
   if (std::shared_ptr<const ResultSet> known = cache_.Find(sql)) return known;
   try {
     return Run(sql);
   } catch (const DatabaseError& error) {
-    // A failure such as a full disk or a damaged page ends a transaction by itself.
-    if (in_snapshot_ && sqlite3_get_autocommit(connection_.Handle()) != 0) NoteWrite();
-    if (options_.on_failure) options_.on_failure(sql, error.Message());
+    NoteFailure(error, sql);
     throw;
   }
+}
+
+void SqliteDatabase::NoteFailure(const DatabaseError& error, const std::string& sql) {
+  // A failure such as a full disk or a damaged page ends a transaction by itself.
+  if (in_snapshot_ && sqlite3_get_autocommit(connection_.Handle()) != 0) {
+    in_snapshot_ = false;
+    NoteWrite();
+  }
+  if (options_.on_failure) options_.on_failure(sql, error.Message());
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
   if (!in_snapshot_) BeginSnapshot(sql);
   const std::uint64_t writes_noted = writes_noted_;
-  CompiledQuery query = TakeStatement(sql);
-  if (query.traits.reads_catalogue) {
+  KeptStatement& kept = statements_.Bound(sql);
+  if (kept.whole.traits.reads_catalogue) {
     const SqliteGuard::Pass pass(guard_);
     catalogue_.FillSystemTables();
   }
-  connection_.BeginStatement();
-  functions_.SetMetVolatile(query.traits.is_volatile);
-  std::shared_ptr<const ResultSet> result = ReadRows(query.statement.get(), sql);
-  if (!functions_.MetVolatile() && writes_noted == writes_noted_) cache_.Put(sql, result);
-  KeepStatement(sql, std::move(query));
+  const bool whole = !kept.may_narrow;
+  std::shared_ptr<const ResultSet> result = Read(kept, sql, {.all_rows = whole, .all_columns = whole});
+  ++kept.runs;
+  if (!kept.met_volatile && writes_noted == writes_noted_) cache_.Put(sql, result, kept.use);
   return result;
 }
 
-std::shared_ptr<const ResultSet> SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql) {
+std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const std::string& sql,
+                                                      const Reading& reading) {
+  const bool is_volatile = kept.whole.traits.is_volatile;
+  reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
+  const std::optional<DateTime> moment = is_volatile ? std::optional(connection_.Moment()) : std::nullopt;
+  functions_.SetMetVolatile(is_volatile);
+  const bool narrow = !reading.all_columns && kept.narrow.statement != nullptr;
+  ResultSetBuilder builder =
+      narrow ? ResultSetBuilder(kept.columns, kept.narrow.places, static_cast<std::size_t>(kept.narrow.width))
+             : ResultSetBuilder(kept.columns);
+  sqlite3_stmt* const statement = narrow ? kept.narrow.statement.get() : kept.whole.statement.get();
+  const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows, builder);
+  kept.met_volatile = kept.met_volatile || functions_.MetVolatile();
+  if (!narrow && !has_more_rows) return builder.Finish();
+  std::shared_ptr<const ResultSet> result = builder.Finish(
+      has_more_rows,
+      [this, sql, moment](ResultSet::Missing missing) { return FetchRest(sql, missing, moment); });
+  NotePartial(result);
+  return result;
+}
+
+/// False when there are more rows than were wanted.
+bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, bool all_rows,
+                              ResultSetBuilder& builder) {
   const Rewinder rewinder(statement);
+  const Running running(running_);
   const int width = sqlite3_column_count(statement);
-  std::vector<std::string> names;
-  names.reserve(width);
-  for (int column = 0; column < width; ++column) names.push_back(ColumnNameOf(statement, column));
-  ResultSetBuilder builder(std::move(names));
+  const bool no_columns = builder.Width() == 0;
+  int rows = 0;
   while (connection_.Step(statement, sql)) {
+    if (!all_rows && ++rows > kFirstRows) return false;
     builder.BeginRow();
+    if (no_columns) continue;
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
     if (builder.Bytes() > options_.max_result_bytes) {
       throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
                           sql);
     }
   }
-  return builder.Finish();
+  return true;
 }
 
-CompiledQuery SqliteDatabase::Compile(const std::string& sql) {
+std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sql, ResultSet::Missing missing,
+                                                           std::optional<DateTime> moment) {
+  if (running_ || !in_snapshot_)
+    throw DatabaseError("the rest of a result is asked for when its data may have changed", sql);
+  try {
+    KeptStatement& kept = statements_.Bound(sql);
+    return Read(kept, sql,
+                {.all_rows = true, .all_columns = missing == ResultSet::Missing::kColumns, .moment = moment});
+  } catch (const DatabaseError& error) {
+    NoteFailure(error, sql);
+    throw;
+  }
+}
+
+void SqliteDatabase::NotePartial(const std::shared_ptr<const ResultSet>& result) {
+  if (partial_.size() >= kPartialResults)
+    std::erase_if(partial_, [](const auto& each) { return each.expired(); });
+  partial_.push_back(result);
+}
+
+void SqliteDatabase::CompletePartial() {
+  for (const std::weak_ptr<const ResultSet>& each : std::exchange(partial_, {})) {
+    if (const std::shared_ptr<const ResultSet> result = each.lock()) result->Complete();
+  }
+}
+
+CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string& sent) {
   std::string rewritten;
-  {
+  try {
     const SqliteGuard::Pass pass(guard_);
     rewritten = RewriteSql(sql, find_table_);
+  } catch (const DatabaseError& error) {
+    throw DatabaseError(error.Message(), sent);
   }
   guard_.Begin();
-  SqliteStatement statement = connection_.Prepare(rewritten, sql);
+  SqliteStatement statement = connection_.Prepare(rewritten, sent);
   if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_stmt_isexplain(statement.get()) != 0 ||
       sqlite3_column_count(statement.get()) == 0)
-    throw DatabaseError("refused: only SELECT statements are run here", sql);
+    throw DatabaseError("refused: only SELECT statements are run here", sent);
   return {std::move(statement), guard_.Traits(sql)};
-}
-
-CompiledQuery SqliteDatabase::TakeStatement(const std::string& sql) {
-  for (auto kept = statements_.begin(); kept != statements_.end(); ++kept) {
-    if (kept->sql != sql) continue;
-    CompiledQuery query = std::move(kept->query);
-    statements_.erase(kept);
-    return query;
-  }
-  CompiledQuery query = Compile(sql);
-  if (sqlite3_bind_parameter_count(query.statement.get()) != 0)
-    throw DatabaseError("the statement has parameters, and nothing gives them values", sql);
-  return query;
-}
-
-void SqliteDatabase::KeepStatement(const std::string& sql, CompiledQuery query) {
-  statements_.push_front({sql, std::move(query)});
-  if (statements_.size() > kKeptStatements) statements_.pop_back();
 }
 
 void SqliteDatabase::BeginSnapshot(const std::string& sent) {
@@ -267,7 +327,7 @@ void SqliteDatabase::BeginSnapshot(const std::string& sent) {
     const std::int64_t data_version = Pragma("PRAGMA data_version", sent);
     if (schema_version_ != schema_version) ForgetSchema();
     const bool changed = data_version_ != data_version || schema_version_ != schema_version;
-    if (changed && functions_.Load(catalogue_.Find("DatabaseFunction") != nullptr)) statements_.clear();
+    if (changed && functions_.Load(catalogue_.Find("DatabaseFunction") != nullptr)) statements_.Clear();
     schema_version_ = schema_version;
     data_version_ = data_version;
   } catch (...) {
@@ -295,17 +355,14 @@ std::int64_t SqliteDatabase::Pragma(const char* sql, const std::string& sent) {
 
 void SqliteDatabase::NoteWrite() {
   ++writes_noted_;
-  ForgetData();
+  cache_.Clear();
+  CompletePartial();
+  functions_.Forget();
   EndSnapshot();
 }
 
-void SqliteDatabase::ForgetData() {
-  cache_.Clear();
-  functions_.Forget();
-}
-
 void SqliteDatabase::ForgetSchema() {
-  statements_.clear();
+  statements_.Clear();
   functions_.Forget();
   catalogue_.Forget();
 }

@@ -110,7 +110,9 @@ void SqliteGuard::ReadFunctions(const SqliteConnection& connection) {
 
 StatementTraits SqliteGuard::Traits(std::string_view sql) const {
   StatementTraits traits = traits_;
-  traits.is_volatile = traits.is_volatile || (calls_date_ && AsksClock(sql));
+  const bool asks_clock = calls_date_ && AsksClock(sql);
+  traits.is_volatile = traits.is_volatile || asks_clock;
+  traits.is_unrepeatable = traits.is_unrepeatable || asks_clock;
   return traits;
 }
 
@@ -133,10 +135,14 @@ int SqliteGuard::Authorize(void* self, int action, const char* first, const char
 
 bool SqliteGuard::MayCall(const char* name, bool in_view) {
   const std::string folded = FoldName(name);
-  if (Contains(kVolatile, folded)) traits_.is_volatile = true;
+  if (Contains(kVolatile, folded)) {
+    traits_.is_volatile = true;
+    traits_.is_unrepeatable = traits_.is_unrepeatable || folded != "now";
+  }
   if (Contains(kDates, folded)) {
     calls_date_ = true;
     traits_.is_volatile = traits_.is_volatile || in_view;  // the view's text is not at hand
+    traits_.is_unrepeatable = traits_.is_unrepeatable || in_view;
   }
   return allowed_.contains(folded);
 }

@@ -12,6 +12,7 @@ class SqliteConnection;
 /// What the guard saw while a statement was compiled.
 struct StatementTraits {
   bool is_volatile = false;      ///< calls a function whose answer changes while the data stays the same
+  bool is_unrepeatable = false;  ///< and whose answer does not follow from the moment of the statement
   bool reads_catalogue = false;  ///< reads SysTable or SysColumn
 };
 

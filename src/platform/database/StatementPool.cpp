@@ -1,0 +1,136 @@
+#include "platform/database/StatementPool.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "platform/database/DatabaseError.h"
+#include "platform/database/SqlTokens.h"
+
+namespace excelexp {
+namespace {
+
+constexpr std::size_t kKeptStatements = 64;
+// So often a statement shows what its readers want before it is narrowed to that.
+constexpr int kRunsToLearn = 3;
+constexpr int kLeastSavedColumns = 4;
+
+// The names of the columns of a join in parentheses bear a number when two tables share them ("Id:1"); the
+// column they come from tells which.
+std::string ColumnNameOf(sqlite3_stmt* statement, int column) {
+  std::string name = sqlite3_column_name(statement, column);
+  const char* const origin = sqlite3_column_origin_name(statement, column);
+  const std::size_t colon = name.rfind(':');
+  if (origin == nullptr || colon == std::string::npos || name.compare(0, colon, origin) != 0) return name;
+  const bool numbered = name.find_first_not_of("0123456789", colon + 1) == std::string::npos;
+  return numbered ? origin : name;
+}
+
+std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
+  std::vector<std::string> names;
+  const int width = sqlite3_column_count(statement);
+  names.reserve(static_cast<std::size_t>(width));
+  for (int column = 0; column < width; ++column) names.push_back(ColumnNameOf(statement, column));
+  return std::make_shared<const ResultColumns>(std::move(names));
+}
+
+}  // namespace
+
+StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
+    : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
+
+KeptStatement& StatementPool::Bound(const std::string& sql) {
+  auto found = kept_.begin();
+  while (found != kept_.end() && !found->shape.Matches(sql, values_)) ++found;
+  if (found == kept_.end()) {
+    Keep(sql);
+  } else {
+    kept_.splice(kept_.begin(), kept_, found);
+  }
+  KeptStatement& kept = kept_.front();
+  Narrow(kept);
+  Bind(kept.whole.statement.get(), sql);
+  if (kept.narrow.statement != nullptr) Bind(kept.narrow.statement.get(), sql);
+  return kept;
+}
+
+void StatementPool::Keep(const std::string& sql) {
+  SqlShape shape(sql);
+  CompiledQuery whole = compile_(shape.Text(), sql);
+  if (sqlite3_bind_parameter_count(whole.statement.get()) != static_cast<int>(shape.ValueCount()))
+    throw DatabaseError("the statement has parameters, and nothing gives them values", sql);
+  shape.Matches(sql, values_);
+  std::shared_ptr<const ResultColumns> columns = ColumnsOf(whole.statement.get());
+  const bool may_narrow = shape.IsPlain() && !whole.traits.is_unrepeatable;
+  kept_.push_front({.shape = std::move(shape),
+                    .whole = std::move(whole),
+                    .columns = std::move(columns),
+                    .may_narrow = may_narrow});
+  if (kept_.size() > kKeptStatements) kept_.pop_back();
+}
+
+void StatementPool::Bind(sqlite3_stmt* statement, const std::string& sql) const {
+  int index = 0;
+  for (const SqlComparand& value : values_) {
+    ++index;
+    int code = SQLITE_OK;
+    if (!value.is_text) {
+      code = sqlite3_bind_int64(statement, index, value.number);
+    } else if (value.raw.find('\'') == std::string_view::npos) {
+      // The text of the statement outlives its run.
+      code = sqlite3_bind_text64(statement, index, value.raw.data(), value.raw.size(), SQLITE_STATIC,
+                                 SQLITE_UTF8);
+    } else {
+      const std::string text = TextOf(value);
+      code = sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    if (value.raw.find('\0') != std::string_view::npos)
+      throw DatabaseError("the statement has a null byte", sql);
+    if (code != SQLITE_OK) connection_.Fail(code, sql);
+  }
+}
+
+/// Readers of "SELECT *" want a few columns, and each column costs, a computed one most. A statement that is
+/// sent again and again is narrowed to what was asked of it so far, as long as the database then finds its
+/// rows in the very same way, and so in the same order.
+void StatementPool::Narrow(KeptStatement& kept) {
+  if (!kept.may_narrow || kept.runs < kRunsToLearn) return;
+  const std::vector<int> asked = kept.columns->Asked();
+  if (kept.narrow.statement != nullptr && static_cast<int>(asked.size()) == kept.narrow.width) return;
+  kept.narrow = {};
+  kept.may_narrow = static_cast<int>(asked.size()) + kLeastSavedColumns <= kept.columns->Count();
+  if (!kept.may_narrow) return;
+  std::string list;
+  auto places = std::make_shared<std::vector<int>>(kept.columns->Count(), -1);
+  for (const int column : asked) {
+    (*places)[static_cast<std::size_t>(column)] = kept.narrow.width++;
+    list += (list.empty() ? "" : ", ") + QuoteName(sqlite3_column_name(kept.whole.statement.get(), column));
+  }
+  const std::string whole = sqlite3_sql(kept.whole.statement.get());
+  const std::string sql = "SELECT " + (list.empty() ? "NULL" : list) + " FROM (" + whole + "\n)";
+  try {
+    const SqliteGuard::Pass pass(guard_);
+    kept.may_narrow = Plan(sql) == Plan(whole);
+    if (kept.may_narrow) kept.narrow.statement = connection_.Prepare(sql, sql);
+    kept.narrow.places = std::move(places);
+  } catch (const DatabaseError&) {
+    kept.may_narrow = false;  // a name that cannot be told from another
+  }
+}
+
+/// How the database goes about a statement. Whether an index has all columns makes no difference to the rows.
+std::vector<std::string> StatementPool::Plan(const std::string& sql) const {
+  constexpr std::string_view kCovering = "COVERING ";
+  const SqliteStatement rows = connection_.Prepare("EXPLAIN QUERY PLAN " + sql, sql);
+  std::vector<std::string> plan;
+  while (connection_.Step(rows.get(), sql)) {
+    std::string& step = plan.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), 3)));
+    if (const std::size_t found = step.find(kCovering); found != std::string::npos)
+      step.erase(found, kCovering.size());
+  }
+  return plan;
+}
+
+}  // namespace excelexp

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/database/ResultCache.h"
+#include "platform/database/SqlShape.h"
+#include "platform/database/StoredFunctions.h"
+
+namespace excelexp {
+
+/// A statement that reads some columns of another one's rows.
+struct NarrowStatement {
+  SqliteStatement statement;
+  std::shared_ptr<const std::vector<int>> places;  ///< of each column of the whole statement, or -1
+  int width = 0;
+};
+
+/// A compiled statement, kept for the next time one of its shape is sent, and what was learnt from its use.
+struct KeptStatement {
+  SqlShape shape;
+  CompiledQuery whole;
+  std::shared_ptr<const ResultColumns> columns;
+  std::shared_ptr<CacheUse> use = std::make_shared<CacheUse>();
+  int runs = 0;
+  bool met_volatile = false;  ///< one of its functions asked for something volatile
+  bool may_narrow = true;
+  NarrowStatement narrow = {};
+};
+
+/// The statements used last, compiled once for each shape.
+class StatementPool {
+ public:
+  /// Compiles a SELECT of the dialect; the second text is the one that errors show.
+  using Compile = std::function<CompiledQuery(const std::string& sql, const std::string& sent)>;
+  StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile);
+
+  /// The statement of the text's shape with the text's values bound. Valid until the next call.
+  KeptStatement& Bound(const std::string& sql);
+  void Clear() { kept_.clear(); }
+
+ private:
+  void Keep(const std::string& sql);
+  void Bind(sqlite3_stmt* statement, const std::string& sql) const;
+  void Narrow(KeptStatement& kept);
+  std::vector<std::string> Plan(const std::string& sql) const;
+
+  SqliteConnection& connection_;
+  SqliteGuard& guard_;
+  Compile compile_;
+  std::list<KeptStatement> kept_;  // the one used last in front
+  std::vector<SqlComparand> values_;
+};
+
+}  // namespace excelexp
