@@ -15,7 +15,7 @@ SRC = ROOT / "src"
 # Low to high. An entry is a folder or the stem of a file; the longest entry that fits a file counts.
 RANKS = [
     ["platform"],
-    ["services/BExcelExpEngCalcFields"],
+    ["services/BExcelExpEngCalcFields", "services/DefinitionMemory"],
     ["engine"],
     ["services"],
     ["layouts"],

@@ -3,6 +3,7 @@
 #include "engine/ExcelExpEngineFail.h"
 #include "platform/host/CommonLibrary.h"
 #include "services/BExcelExpEngCalcFields.h"
+#include "services/DefinitionMemory.h"
 
 namespace excelexp {
 namespace {
@@ -25,6 +26,7 @@ bool Run(Query* query, const std::string& sql) {
 
 BExcelExpEngCore::BExcelExpEngCore()
     : CalcFields(std::make_unique<BExcelExpEngCalcFields>()),
+      Memory(std::make_unique<DefinitionMemory>()),
       NumberFormat(GetDBCountry("") == "Indonesia" ? "#,0;-#,0" : "#,0.00;-#,0.00") {}
 
 BExcelExpEngCore::~BExcelExpEngCore() = default;

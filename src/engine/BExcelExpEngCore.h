@@ -14,6 +14,7 @@
 namespace excelexp {
 
 class BExcelExpEngCalcFields;
+struct DefinitionMemory;
 
 /// Which logs a banner goes to.
 enum class Memo { kAll, kInternal };
@@ -38,6 +39,7 @@ class BExcelExpEngCore : public BPayEngMemo {
   BExcelExpEngCore& operator=(const BExcelExpEngCore&) = delete;
 
   std::unique_ptr<BExcelExpEngCalcFields> CalcFields;
+  std::unique_ptr<DefinitionMemory> Memory;
   std::string DatabaseName;
   std::unique_ptr<Query> SQLQry;  ///< result of the last ExecuteSQL; services called in between replace it
   std::unique_ptr<Query> EmpCoyBasisQry;            ///< the entity list, standing on the current entity

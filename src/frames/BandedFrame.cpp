@@ -167,11 +167,10 @@ bool BandedFrame::PrintMainInfoColumn(int band_row) {
     return false;
   }
   const std::string field = text(names.column_field);
-  const std::string cell = GetCellName(band_row, current_col_);
   core_->CalcFields->Search(text(names.column_field_table), field, traits_.by_employee, nullptr);
   cells_.WriteField(core_->CalcFields->GetFieldType(), field, *core_->CurEmpCoyBasisQry, band_row,
                     current_col_);
-  return cells_.Format(scheme, cell, where);
+  return cells_.Format(scheme, band_row, current_col_, where);
 }
 
 bool BandedFrame::PrintItem(WkSheetItem& item) {

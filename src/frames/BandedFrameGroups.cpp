@@ -114,14 +114,13 @@ bool BandedFrame::PrintGroupLevel(int row) {
   if (!cells_.WriteTitle(row, current_col_, text(names.group_title), where)) return false;
 
   const int value_col = current_col_ + 1;
-  const std::string cell = GetCellName(row, value_col);
   const std::string field = text(names.group_field);
   core_->CalcFields->Search(text(names.group_field_table), field, traits_.by_employee, nullptr);
   const std::string type = core_->CalcFields->GetFieldType();
   cells_.WriteField(type, field, ExcelRptGrpInfoQry, row, value_col);
   previous_group_values_ += (previous_group_values_.empty() ? "" : ", ") +
                             ExactLiteral(type, ExcelRptGrpInfoQry.FieldByName(field)) + " AS " + field;
-  return cells_.Format(scheme, cell, where);
+  return cells_.Format(scheme, row, value_col, where);
 }
 
 bool BandedFrame::CloseGroup() {

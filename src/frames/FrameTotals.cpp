@@ -128,9 +128,8 @@ bool FrameTotals::PrintSums(int row, int first_data_row, std::string_view operat
     if (!ReadFirstSummingColumn(item, operation, gap, column)) return false;
     for (; column != kNothingToSum && column <= item.LastCol; ++column) {
       const std::string first_cell = GetCellName(first_data_row, column);
-      const std::string cell = GetCellName(row, column);
       cells_.WriteFormula(row, column, SummingFormula(traits_.totals.rule, first_cell, ranges_of(column)));
-      cells_.WriteAmountFormat(cell);
+      cells_.WriteAmountFormat(row, column);
     }
   }
   return true;

@@ -109,7 +109,7 @@ bool BExcelExpEngAccumulatedListRpt::PrintAnalysisColumn(const ColumnWalk& walk,
     PrintItemValue(walk, item_type, result.found, value);
   } else {
     cells_.WriteNumber(current_row_, current_col_, result.sum);
-    cells_.WriteAmountFormat(GetCellName(current_row_, current_col_));
+    cells_.WriteAmountFormat(current_row_, current_col_);
   }
   return true;
 }

@@ -152,7 +152,7 @@ bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
 
 bool BExcelExpEngBreakdownListRpt::PrintHeading(int row, const std::string& text, int width) {
   cells_.WriteText(row, current_col_, text);
-  if (!cells_.FormatAsCurrent(GetCellName(row, current_col_))) return false;
+  if (!cells_.FormatAsFirst(row, current_col_, Where("PrintPayPeriodInfo"))) return false;
   if (width <= 0) return true;
   if (GetCellName(row, current_col_ + width - 1).empty()) {
     return Fail("BExcelExpEngBreakdownRpt::PrintColFinancialData",
@@ -201,8 +201,7 @@ bool BExcelExpEngBreakdownListRpt::PrintTimesheetKey(const std::string& title, c
   const bool first_row = AtFirstEntity() && current_row_ == core_->StartPrintedRow;
   if (first_row && !cells_.WriteTitle(current_row_ - 1, current_col_, title, where)) return false;
   cells_.WriteText(current_row_, current_col_, value);
-  if (!cells_.Format(std::string(kTimesheetScheme), GetCellName(current_row_, current_col_), where))
-    return false;
+  if (!cells_.Format(std::string(kTimesheetScheme), current_row_, current_col_, where)) return false;
   ++current_col_;
   return true;
 }

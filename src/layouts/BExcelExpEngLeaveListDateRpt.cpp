@@ -40,13 +40,13 @@ bool BExcelExpEngLeaveListDateRpt::PrintAsOfDateInfo() {
     return Fail(where, "The As Of Date is wrong: " + std::string(error.what()) + ".");
   }
   cells_.WriteText(current_row_ - 5, current_col_, "As Of Date 1 : " + date);
-  return cells_.FormatAsCurrent(GetCellName(current_row_ - 5, current_col_));
+  return cells_.FormatAsFirst(current_row_ - 5, current_col_, where);
 }
 
 bool BExcelExpEngLeaveListDateRpt::PrintPayPeriodInfo() {
   if (!ReadGroupTexts()) return false;
   cells_.WriteText(current_row_, current_col_, PeriodOf(ExcelRptLayoutQry).pay_record_basis);
-  return cells_.FormatAsCurrent(GetCellName(current_row_, current_col_));
+  return cells_.FormatAsFirst(current_row_, current_col_, LeaveWhere("PrintPayPeriodInfo"));
 }
 
 }  // namespace excelexp

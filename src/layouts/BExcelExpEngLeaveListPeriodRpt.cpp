@@ -38,7 +38,7 @@ bool BExcelExpEngLeaveListPeriodRpt::PrintPayPeriodInfo() {
 
 bool BExcelExpEngLeaveListPeriodRpt::PrintText(int column, const std::string& text) {
   cells_.WriteText(current_row_, current_col_ + column, text);
-  return cells_.FormatAsCurrent(GetCellName(current_row_, current_col_ + column));
+  return cells_.FormatAsFirst(current_row_, current_col_ + column, LeaveWhere("PrintPayPeriodInfo"));
 }
 
 }  // namespace excelexp

@@ -72,7 +72,7 @@ bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
     return Fail(where, "The reporting period is wrong: " + std::string(error.what()) + ".");
   }
   if (!heading.empty()) cells_.WriteText(first_row, current_col_, heading);
-  if (!cells_.FormatAsCurrent(GetCellName(first_row, current_col_))) return false;
+  if (!cells_.FormatAsFirst(first_row, current_col_, where)) return false;
   const int last_col = current_col_ + GetNoOfMergeCells() - 1;
   if (GetCellName(last_row, last_col).empty()) {
     return Fail(Where("PrintColFinancialData"), "Excel worksheet is limited to 256 columns.");

@@ -141,6 +141,11 @@ bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {
 bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::string& component,
                                       std::string_view where, ValueColumn& value,
                                       std::string_view map_column) {
+  const std::string question = grouping + '\n' + component + '\n' + std::string(map_column);
+  if (const ValueColumn* known = core_->Memory->value_columns.Find(question)) {
+    value = *known;
+    return true;
+  }
   if (!core_->ExecuteSQL("SELECT * FROM AnItemLookup WHERE AnlysItemTypeId = " + SqlText(grouping) + kGap +
                          "AND AnlysLookupId = " + SqlText(component))) {
     return Fail(where, "Unable to get Analysis Item Details.");
@@ -148,6 +153,7 @@ bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::st
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Item Details.");
   value.column = Text(*core_->SQLQry, map_column);
   value.type = FGetSystemColumnType("AnlysItemRecord", value.column);
+  core_->Memory->value_columns.Keep(question, value);
   return true;
 }
 
@@ -175,10 +181,9 @@ void FinancialLayout::PrintValue(bool found, const ValueColumn& value, int row, 
   if (found) {
     cells_.WriteAnalysisValue(AnlysItemRecQry, value.column, value.type, row, column, value_style_);
   } else {
-    const std::string cell = GetCellName(row, column);
-    cells_.FieldType().OutputBlank(cell, value.type, row, column, true);
+    cells_.FieldType().OutputBlank(GetCellName(row, column), value.type, row, column, true);
     // Totals show where the first entity's cell has such a format, be it blank.
-    if (IsWholeNumber(value)) cells_.WriteIntegerFormat(cell, value_style_);
+    if (IsWholeNumber(value)) cells_.WriteIntegerFormat(row, column, value_style_);
   }
 }
 

@@ -26,12 +26,6 @@ struct FinancialTraits {
   LookupTraits lookup = {};
 };
 
-/// Where an analysis item's value stands in its records.
-struct ValueColumn {
-  std::string column;
-  std::string type;
-};
-
 bool IsWholeNumber(const ValueColumn& value);
 bool IsAmount(const ValueColumn& value);
 

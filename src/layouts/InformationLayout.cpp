@@ -130,7 +130,7 @@ bool InformationLayout::PrintColumn(bool with_title) {
   } else {
     PrintValue();
   }
-  return cells_.Format(scheme, GetCellName(current_row_, current_col_), where);
+  return cells_.Format(scheme, current_row_, current_col_, where);
 }
 
 void InformationLayout::PrintValue() {

@@ -66,7 +66,7 @@ bool LeaveLayout::FormatEmptyRow() {
       return false;
     }
     if (type == item_type::kCalculated || IsAmount(value)) {
-      cells_.WriteAmountFormat(GetCellName(current_row_, column));
+      cells_.WriteAmountFormat(current_row_, column);
     }
   }
   return true;

@@ -50,12 +50,12 @@ bool ListingLayout::WalkColumn(const ColumnWalk& walk) {
       cells_.WriteFormula(current_row_, col,
                           formulas_.DecodeColExcelFormula(Text(FinanceColItemQry, "FinColExcelFormula"),
                                                           AllFormulaQry, current_cell_, current_row_));
-      if (walk.formats_formulas) cells_.WriteAmountFormat(GetCellName(current_row_, col));
+      if (walk.formats_formulas) cells_.WriteAmountFormat(current_row_, col);
     } else if (type == item_type::kBlank) {
       cells_.WriteText(current_row_, col, "");
     }
   }
-  if (!cells_.Format(scheme, GetCellName(current_row_, WalkCol(walk)), where)) return false;
+  if (!cells_.Format(scheme, current_row_, WalkCol(walk), where)) return false;
   ++current_col_;
   return true;
 }
@@ -87,7 +87,7 @@ bool ListingLayout::PrintAllItems(const ColumnWalk& walk, const std::string& gro
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {
     if (!PrintAnalysisColumn(walk, Text(AllFormulaQry, "AnlysItemDesc"), Text(AllFormulaQry, "AnlysItem1Id"),
                              grouping, value) ||
-        !cells_.Format(scheme, GetCellName(current_row_, WalkCol(walk)), where)) {
+        !cells_.Format(scheme, current_row_, WalkCol(walk), where)) {
       return false;
     }
     ++current_col_;

@@ -84,7 +84,7 @@ bool MatrixLayout::PrintColumnItem() {
   } else if (type == item_type::kBlank) {
     cells_.WriteText(current_row_, current_col_, "");
   }
-  if (!cells_.Format(scheme, CurrentCell(), where)) return false;
+  if (!cells_.Format(scheme, current_row_, current_col_, where)) return false;
   ++current_col_;
   return true;
 }
@@ -142,7 +142,7 @@ bool MatrixLayout::PrintCell(const MatrixColumn& column) {
     cells_.WriteFormula(current_row_, current_col_,
                         formulas_.DecodeRowExcelFormula(RowText("FinRowExcelFormula"), AllFormulaQry,
                                                         current_cell_, current_col_));
-    if (matrix_.formats_formulas) cells_.WriteAmountFormat(CurrentCell());
+    if (matrix_.formats_formulas) cells_.WriteAmountFormat(current_row_, current_col_);
   } else if (type == item_type::kBlank) {
     cells_.WriteText(current_row_, current_col_, "");
   }
@@ -187,7 +187,7 @@ bool MatrixLayout::PrintSummary(int first_period_col) {
     const std::string first = GetCellName(current_row_, first_period_col);
     const std::string last = GetCellName(current_row_, current_col_ - 1);
     cells_.WriteFormula(current_row_, current_col_, matrix_.summary.formula(first, last));
-    cells_.WriteAmountFormat(CurrentCell());
+    cells_.WriteAmountFormat(current_row_, current_col_);
   }
   if (!FormatCell()) return false;
   ++current_col_;
@@ -195,7 +195,7 @@ bool MatrixLayout::PrintSummary(int first_period_col) {
 }
 
 bool MatrixLayout::FormatCell() {
-  return cells_.Format(RowText("ColourSchemeId"), CurrentCell(), Where("PrintRowFinancialData"));
+  return cells_.Format(RowText("ColourSchemeId"), current_row_, current_col_, Where("PrintRowFinancialData"));
 }
 
 std::vector<MatrixColumn> MatrixLayout::ColumnsOfPeriod() {

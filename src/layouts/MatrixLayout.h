@@ -112,7 +112,6 @@ class MatrixLayout : public FinancialLayout {
   std::string RowText(std::string_view field) const { return Text(FinanceRowItemQry, field); }
   bool IsAllItems() const;
   std::string ItemId() const;
-  std::string CurrentCell() const { return GetCellName(current_row_, current_col_); }
   /// True for the row that carries the headings of the whole sheet.
   bool AtFirstRow() const { return AtFirstEntity() && current_row_ == core_->StartPrintedRow; }
 };

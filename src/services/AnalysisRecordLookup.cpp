@@ -1,6 +1,6 @@
 #include "services/AnalysisRecordLookup.h"
 
-#include <vector>
+#include <array>
 
 #include "engine/DefinitionTables.h"
 #include "services/BankPayments.h"
@@ -9,6 +9,19 @@ namespace excelexp {
 namespace {
 
 constexpr std::string_view kBankLookUp = "BankPaymentAmt";
+
+/// The fields that are compared and their values, which stay the caller's.
+struct Keys {
+  void Add(std::string_view field, KeyView value) {
+    fields[count] = field;
+    values[count++] = value;
+  }
+  void Add(std::string_view field, int value) { Add(field, KeyView{std::int64_t{value}}); }
+
+  std::array<std::string_view, 9> fields;
+  std::array<KeyView, 9> values;
+  std::size_t count = 0;
+};
 
 }  // namespace
 
@@ -58,34 +71,30 @@ bool AnalysisRecordLookup::LocateBasisCSS(const PeriodKey& period, const std::st
 }
 
 bool AnalysisRecordLookup::Run(const Request& request) const {
-  std::string fields = "AnlysItemRecYear;AnlysItemRecPeriodMonth;AnlysItemRecSubPeriod";
-  std::vector<KeyValue> values = {std::int64_t{request.period.year},
-                                  std::int64_t{request.period.period_month},
-                                  std::int64_t{request.period.sub_period}};
-  const auto add = [&](std::string_view field, std::string value) {
-    fields.append(";").append(field);
-    values.emplace_back(std::move(value));
-  };
-  if (traits_.has_pay_record_basis) add("AnlysPayRecBasis", request.period.pay_record_basis);
+  Keys keys;
+  keys.Add("AnlysItemRecYear", request.period.year);
+  keys.Add("AnlysItemRecPeriodMonth", request.period.period_month);
+  keys.Add("AnlysItemRecSubPeriod", request.period.sub_period);
+  if (traits_.has_pay_record_basis) keys.Add("AnlysPayRecBasis", request.period.pay_record_basis);
   if (request.basis_a != nullptr) {
     const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
-    add(company ? "Basis1Id" : "Basis2Id", *request.basis_a);
-    add(company ? "Basis2Id" : "Basis3Id", *request.basis_b);
+    keys.Add(company ? "Basis1Id" : "Basis2Id", *request.basis_a);
+    keys.Add(company ? "Basis2Id" : "Basis3Id", *request.basis_b);
   }
   switch (request.bank) {
     case BankKey::kNone:
-      add("AnlysItem1Id", request.item_id);
+      keys.Add("AnlysItem1Id", request.item_id);
       break;
     case BankKey::kCategory:
-      add("AnlysItem5Id", request.item_id);
+      keys.Add("AnlysItem5Id", request.item_id);
       break;
     case BankKey::kLookUp:
-      add("AnlysLookUpId", std::string(kBankLookUp));
+      keys.Add("AnlysLookUpId", kBankLookUp);
       break;
   }
-  add("AnlysItemTypeId", request.item_type);
-  if (request.country != nullptr) add("SysAttributeCountry", *request.country);
-  return records_->Locate(fields, values);
+  keys.Add("AnlysItemTypeId", request.item_type);
+  if (request.country != nullptr) keys.Add("SysAttributeCountry", *request.country);
+  return records_->Locate(std::span(keys.fields).first(keys.count), std::span(keys.values).first(keys.count));
 }
 
 }  // namespace excelexp

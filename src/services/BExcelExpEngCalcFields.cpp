@@ -137,8 +137,13 @@ std::string BExcelExpEngCalcFields::GetSelectList(const std::string& table, cons
   return select_list_;
 }
 
-std::string BExcelExpEngCalcFields::GetAllSelectList(int by_employee) {
-  std::string all;
+const std::string& BExcelExpEngCalcFields::GetAllSelectList(int by_employee) {
+  std::string& all = all_select_lists_[by_employee != 0 ? 1 : 0];
+  if (!all.empty()) {
+    Search("Personal", std::string(kPersonalCodes.back()), by_employee,
+           nullptr);  // as after listing them all
+    return all;
+  }
   const auto append = [&](const std::string& table, std::string_view attribute) {
     if (!all.empty()) all += ", ";
     all += GetSelectList(table, std::string(attribute), by_employee);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "platform/database/Query.h"
@@ -30,7 +31,7 @@ class BExcelExpEngCalcFields {
   /// Searches, and returns the select list.
   std::string GetSelectList(const std::string& table, const std::string& attribute, int by_employee);
   /// The select list of every calculated field, joined by ", ".
-  std::string GetAllSelectList(int by_employee);
+  const std::string& GetAllSelectList(int by_employee);
 
  private:
   struct Rules;
@@ -43,6 +44,7 @@ class BExcelExpEngCalcFields {
   std::string select_list_;
   std::string field_type_;
   std::string condition_;
+  std::array<std::string, 2> all_select_lists_;  // of persons and of employees, once they were asked for
 };
 
 }  // namespace excelexp

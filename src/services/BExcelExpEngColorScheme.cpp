@@ -1,6 +1,5 @@
 #include "services/BExcelExpEngColorScheme.h"
 
-#include <algorithm>
 #include <array>
 
 #include "platform/database/SqlText.h"
@@ -32,9 +31,23 @@ bool BExcelExpEngColorScheme::ColourSchRecLocate(const std::string& colour_schem
 }
 
 int BExcelExpEngColorScheme::FormatExcelCell(const std::string& range) {
+  const std::optional<CellStyle> style = StyleOfRow();
+  if (!style) return 0;
   BExcelAPI& api = *core_->ExcelAPI;
   const Handle& workbook = core_->ExcelWorkbook;
   const std::string& sheet = core_->ExcelWorksheetName;
+  api.SetFontNameSize(workbook, sheet, range, style->font_name, style->font_size);
+  api.SetFontColour(workbook, sheet, range, style->font_colour);
+  if (style->font_style)
+    api.SetFontStyle(workbook, sheet, range, style->font_style->bold, false, style->font_style->italic);
+  api.SetFontUnderline(workbook, sheet, range, static_cast<int>(style->underline));
+  api.SetFontEffects(workbook, sheet, range, style->strikethrough, style->superscript, style->subscript);
+  api.SetColumnWidth(workbook, sheet, range, style->column_width);
+  api.SetRowHeight(workbook, sheet, range, style->row_height);
+  return 1;
+}
+
+std::optional<CellStyle> BExcelExpEngColorScheme::StyleOfRow() {
   const auto number = [this](std::string_view name) {
     return colour_scheme_query_->FieldByName(name).AsInteger();
   };
@@ -42,34 +55,32 @@ int BExcelExpEngColorScheme::FormatExcelCell(const std::string& range) {
   const auto text = [this](std::string_view name) {
     return colour_scheme_query_->FieldByName(name).AsString();
   };
-
-  api.SetFontNameSize(workbook, sheet, range, text("ColourSchFont"), number("ColourSchSize"));
-  api.SetFontColour(workbook, sheet, range, number("ColourCodeIndex"));
-
-  const std::string style = text("ColourSchFontStyle");
-  const auto* known =
-      std::find_if(kFontStyles.begin(), kFontStyles.end(),
-                   [&style](const FontStyle& candidate) { return candidate.keyword == style; });
-  if (known != kFontStyles.end()) api.SetFontStyle(workbook, sheet, range, known->bold, false, known->italic);
-
+  CellStyle style;
+  style.font_name = text("ColourSchFont");
+  style.font_size = number("ColourSchSize");
+  style.font_colour = number("ColourCodeIndex");
+  const std::string font_style = text("ColourSchFontStyle");
+  for (const FontStyle& known : kFontStyles) {
+    if (known.keyword == font_style) style.font_style = {known.bold, known.italic};
+  }
   if (!core_->ExecuteSQL("SELECT ExcelExpKeywordRef FROM ExcelExpKeyword WHERE ExcelExpKeywordId = " +
                          SqlText(text("ColourSchUnderline")))) {
     core_->WriteErrorEntry(message_class_ +
                            "::FormatExcelCell Error: Error in getting Excel Export Keyword Information.");
-    return 0;
+    return std::nullopt;
   }
   if (core_->SQLQry->RowCount() == 0) {
     core_->WriteErrorEntry(message_class_ +
                            "::FormatExcelCell Error: Empty Excel Export Keyword Information.");
-    return 0;
+    return std::nullopt;
   }
-  api.SetFontUnderline(workbook, sheet, range, core_->SQLQry->FieldByName("ExcelExpKeywordRef").AsInteger());
-
-  api.SetFontEffects(workbook, sheet, range, flag("ColourSchStrikethrough"), flag("ColourSchSuperscript"),
-                     flag("ColourSchSubscript"));
-  api.SetColumnWidth(workbook, sheet, range, number("ColourSchCellWidth"));
-  api.SetRowHeight(workbook, sheet, range, number("ColourSchCellHeight"));
-  return 1;
+  style.underline = static_cast<Underline>(core_->SQLQry->FieldByName("ExcelExpKeywordRef").AsInteger());
+  style.strikethrough = flag("ColourSchStrikethrough");
+  style.superscript = flag("ColourSchSuperscript");
+  style.subscript = flag("ColourSchSubscript");
+  style.column_width = number("ColourSchCellWidth");
+  style.row_height = number("ColourSchCellHeight");
+  return style;
 }
 
 }  // namespace excelexp

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "engine/BExcelExpEngCore.h"
 #include "platform/database/Query.h"
+#include "platform/spreadsheet/CellStyle.h"
 
 namespace excelexp {
 
@@ -23,6 +25,10 @@ class BExcelExpEngColorScheme {
   /// Formats the range ("B7", "B7:D9") of the current worksheet by the current row; 0, with its entry in the
   /// internal log, when the underline keyword cannot be read. Replaces the result of the context's SQLQry.
   int FormatExcelCell(const std::string& range);
+
+  /// What the current row asks for; nothing, with its entry in the internal log, when the underline keyword
+  /// cannot be read. Replaces the result of the context's SQLQry.
+  std::optional<CellStyle> StyleOfRow();
 
  private:
   BExcelExpEngCore* core_;

@@ -16,12 +16,15 @@ CellPrinter::CellPrinter(BExcelExpEngCore* core, Query* colour_scheme_query)
 
 bool CellPrinter::OpenSchemes(std::span<const std::string> ids, std::string_view where) {
   static const std::string gap(37, ' ');
+  std::string question = colour_scheme_query_->DatabaseName();
+  for (const std::string& id : ids) question.append(1, '\n').append(id);
+  if (Recall(question)) return true;
   std::string list;
   for (const std::string& id : ids) list += (list.empty() ? "" : "," + gap) + SqlText(id);
-  return core_->OpenOrLog(
-      *colour_scheme_query_,
+  return Choose(
+      question,
       "SELECT * FROM ColourScheme JOIN ColourCodeMapping WHERE" + gap + "ColourSchemeId IN (" + list + ")",
-      where, "ColourSchemeQry", Rows::kRequired);
+      where);
 }
 
 bool CellPrinter::OpenSchemes(const std::string& item_scheme, std::string_view where) {
@@ -30,22 +33,69 @@ bool CellPrinter::OpenSchemes(const std::string& item_scheme, std::string_view w
 }
 
 bool CellPrinter::OpenTitleScheme(std::string_view where) {
-  return core_->OpenOrLog(*colour_scheme_query_,
-                          "SELECT * FROM ColourScheme JOIN ColourCodeMapping" + std::string(34, ' ') +
-                              "WHERE ColourSchemeId = " + SqlText(core_->ExcelWkSheetTitleColourSchemeId),
-                          where, "ColourSchemeQry", Rows::kRequired);
+  const std::string& title = core_->ExcelWkSheetTitleColourSchemeId;
+  const std::string question = colour_scheme_query_->DatabaseName() + "\ttitle\n" + title;
+  if (Recall(question)) return true;
+  return Choose(question,
+                "SELECT * FROM ColourScheme JOIN ColourCodeMapping" + std::string(34, ' ') +
+                    "WHERE ColourSchemeId = " + SqlText(title),
+                where);
 }
 
-bool CellPrinter::Format(const std::string& scheme_id, const std::string& range, std::string_view where) {
-  if (colour_scheme_.ColourSchRecLocate(scheme_id)) return FormatAsCurrent(range);
+bool CellPrinter::Recall(const std::string& question) {
+  const auto* known = core_->Memory->scheme_sets.Find(question);
+  if (known != nullptr) chosen_ = *known;
+  return known != nullptr;
+}
+
+bool CellPrinter::Choose(const std::string& question, std::string sql, std::string_view where) {
+  if (!core_->OpenOrLog(*colour_scheme_query_, sql, where, "ColourSchemeQry", Rows::kRequired)) return false;
+  chosen_ =
+      core_->Memory->scheme_sets.Keep(question, std::make_shared<SchemeSet>(SchemeSet{std::move(sql), {}}));
+  return true;
+}
+
+bool CellPrinter::Format(const std::string& scheme_id, int row, int column, std::string_view where) {
+  if (ApplyKnown(scheme_id, row, column)) return true;
+  if (!OpenChosen(where)) return false;
+  if (colour_scheme_.ColourSchRecLocate(scheme_id)) return FormatByRow(scheme_id, row, column);
   if (!where.empty()) {
     core_->WriteErrorEntry(std::string(where) + " Error: Unable to locate Colour Scheme Record.");
   }
   return false;
 }
 
-bool CellPrinter::FormatAsTitle(const std::string& range, std::string_view where) {
-  return Format(core_->ExcelWkSheetTitleColourSchemeId, range, where);
+bool CellPrinter::FormatAsTitle(int row, int column, std::string_view where) {
+  return Format(core_->ExcelWkSheetTitleColourSchemeId, row, column, where);
+}
+
+bool CellPrinter::FormatAsFirst(int row, int column, std::string_view where) {
+  static const std::string first;
+  if (ApplyKnown(first, row, column)) return true;
+  if (!OpenChosen(where)) return false;
+  colour_scheme_query_->First();
+  return FormatByRow(first, row, column);
+}
+
+bool CellPrinter::ApplyKnown(const std::string& scheme_id, int row, int column) {
+  const PreparedStyle* const style = chosen_->Find(scheme_id);
+  if (style == nullptr) return false;
+  core_->ExcelAPI->ApplyStyle(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, *style);
+  return true;
+}
+
+/// The rows of the chosen schemes, which a printer of an earlier entity may have read.
+bool CellPrinter::OpenChosen(std::string_view where) {
+  if (colour_scheme_query_->IsOpen() && colour_scheme_query_->Sql() == chosen_->sql) return true;
+  return core_->OpenOrLog(*colour_scheme_query_, chosen_->sql, where, "ColourSchemeQry", Rows::kRequired);
+}
+
+/// The first cell of a style gets it operation by operation, each with its own check.
+bool CellPrinter::FormatByRow(const std::string& scheme_id, int row, int column) {
+  if (colour_scheme_.FormatExcelCell(GetCellName(row, column)) == 0) return false;
+  chosen_->styles.emplace_back(
+      scheme_id, core_->ExcelAPI->PrepareStyle(core_->ExcelWorkbook, *colour_scheme_.StyleOfRow()));
+  return true;
 }
 
 void CellPrinter::RequireColumn(int column) const {
@@ -66,15 +116,15 @@ void CellPrinter::WriteNumber(int row, int column, const Variant& number) {
   core_->ExcelAPI->WriteTableCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
 }
 
-void CellPrinter::WriteAmountFormat(const std::string& cell) {
-  core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell,
-                                       core_->NumberFormat);
+void CellPrinter::WriteAmountFormat(int row, int column) {
+  core_->ExcelAPI->NumberFormatOnCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column,
+                                      core_->NumberFormat);
 }
 
-void CellPrinter::WriteIntegerFormat(const std::string& cell, const ValueStyle& style) {
+void CellPrinter::WriteIntegerFormat(int row, int column, const ValueStyle& style) {
   if (style.integer_format.empty()) return;
-  core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell,
-                                       std::string(style.integer_format));
+  core_->ExcelAPI->NumberFormatOnCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column,
+                                      std::string(style.integer_format));
 }
 
 void CellPrinter::WriteFormula(int row, int column, const std::string& formula) {
@@ -88,7 +138,7 @@ void CellPrinter::WriteFormula(int row, int column, const std::string& formula) 
 
 bool CellPrinter::WriteTitle(int row, int column, const std::string& text, std::string_view where) {
   WriteText(row, column, text);
-  return FormatAsTitle(GetCellName(row, column), where);
+  return FormatAsTitle(row, column, where);
 }
 
 void CellPrinter::Merge(int first_row, int first_column, int last_row, int last_column) {
@@ -104,10 +154,10 @@ void CellPrinter::WriteAnalysisValue(const Query& records, const std::string& co
     WriteText(row, col, field.AsString());
   } else if (type == "integer" || type == "smallint") {
     WriteNumber(row, col, field.AsInteger());
-    WriteIntegerFormat(GetCellName(row, col), style);
+    WriteIntegerFormat(row, col, style);
   } else if (type == "double" || type == "decimal") {
     WriteNumber(row, col, field.AsFloat());
-    WriteAmountFormat(GetCellName(row, col));
+    WriteAmountFormat(row, col);
   } else if (type == "date") {
     WriteText(row, col, FGetInValidDate(FormatDateTime("dd/mm/yyyy", field.AsDateTime())));
   } else if (type == "time") {

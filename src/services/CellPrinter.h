@@ -8,6 +8,7 @@
 #include "platform/database/Query.h"
 #include "services/BExcelExpEngColorScheme.h"
 #include "services/BExcelExpEngFieldType.h"
+#include "services/DefinitionMemory.h"
 
 namespace excelexp {
 
@@ -24,26 +25,26 @@ class CellPrinter {
   /// Neither is owned; `colour_scheme_query` is the owner's ColourSchemeQry.
   CellPrinter(BExcelExpEngCore* core, Query* colour_scheme_query);
 
-  /// Opens the owner's query on these schemes; false, logged, when that fails or finds none.
+  /// Chooses these schemes; false, logged, when they cannot be read or there are none.
   bool OpenSchemes(std::span<const std::string> ids, std::string_view where);
-  /// On the scheme of an item and the worksheet's title scheme.
+  /// The scheme of an item and the worksheet's title scheme.
   bool OpenSchemes(const std::string& item_scheme, std::string_view where);
-  /// On the worksheet's title scheme alone.
+  /// The worksheet's title scheme alone.
   bool OpenTitleScheme(std::string_view where);
 
-  /// Formats the cell or block by a scheme of the open query; false when the scheme is not there (logged as
+  /// Formats the cell by one of the chosen schemes; false when the scheme is not there (logged as
   /// "Unable to locate Colour Scheme Record." unless `where` is empty) or the formatting fails.
-  bool Format(const std::string& scheme_id, const std::string& range, std::string_view where);
-  bool FormatAsTitle(const std::string& range, std::string_view where);
-  /// Formats by the row the query stands on.
-  bool FormatAsCurrent(const std::string& range) { return colour_scheme_.FormatExcelCell(range) != 0; }
+  bool Format(const std::string& scheme_id, int row, int column, std::string_view where);
+  bool FormatAsTitle(int row, int column, std::string_view where);
+  /// Formats by the first of the chosen schemes.
+  bool FormatAsFirst(int row, int column, std::string_view where);
 
   /// Writing beyond column 256 throws SpreadsheetError: there is no cell name to format by.
   void WriteText(int row, int column, const std::string& text);
   void WriteNumber(int row, int column, const Variant& number);
-  void WriteAmountFormat(const std::string& cell);
+  void WriteAmountFormat(int row, int column);
   /// Where the style has a format for whole numbers.
-  void WriteIntegerFormat(const std::string& cell, const ValueStyle& style);
+  void WriteIntegerFormat(int row, int column, const ValueStyle& style);
   /// An empty formula (its decoding failed and said so) leaves an empty text.
   void WriteFormula(int row, int column, const std::string& formula);
   /// A text in the title scheme.
@@ -64,11 +65,17 @@ class CellPrinter {
 
  private:
   void RequireColumn(int column) const;
+  bool Recall(const std::string& question);
+  bool Choose(const std::string& question, std::string sql, std::string_view where);
+  bool OpenChosen(std::string_view where);
+  bool ApplyKnown(const std::string& scheme_id, int row, int column);
+  bool FormatByRow(const std::string& scheme_id, int row, int column);
 
   BExcelExpEngCore* core_;
   Query* colour_scheme_query_;
   BExcelExpEngColorScheme colour_scheme_;
   BExcelExpEngFieldType field_type_;
+  std::shared_ptr<SchemeSet> chosen_;
 };
 
 }  // namespace excelexp

@@ -341,7 +341,8 @@ std::vector<FailureRow> CommonFailures(const std::string& layout, const std::str
            layout + "::CheckRowDataExist Error: Error in checking Record Exist in AnlysItemRecord Table."},
           {"ColourSchemeId = 'Title'", 1, texts + "Error in ColourSchemeQry Query."},
           {"FROM AnlysProject WHERE", 3, texts + "Unable to get Analysis Project Details."},
-          {"ColourSchemeId IN", 2, print + "Error in ColourSchemeQry Query."},
+          {"'Own'", 1, print + "Error in ColourSchemeQry Query.",
+           OwnSchemeSql("FinanceColItem", "FinColItemOrder = 2")},
           {"FROM AnItemLookup", 1, print + "Unable to get Analysis Item Details."},
           {"", 0, print + "Empty Analysis Item Details.", "DELETE FROM AnItemLookup;"},
           {"", 0, print + "Unable to locate Colour Scheme Record.",
@@ -369,8 +370,6 @@ TEST(LeaveListAsOfDate, EachFailureLeavesItsEntryAndTheChain) {
   std::vector<FailureRow> rows = CommonFailures(layout, inner);
   rows.push_back({"", 0, layout + "::ExecuteOperation Error: Empty ExcelRptLayoutQry RecordSet.",
                   "DELETE FROM ExcelWSItemRptLayout;"});
-  rows.push_back(
-      {"ColourSchemeId = 'Title'", 2, inner + "::PrintPayPeriodInfo Error: Error in ColourSchemeQry Query."});
   const std::vector<std::pair<std::string, std::string>> days = {
       {"2023, 2, 29", "2023-2-29"}, {"2024, 13, 1", "2024-13-1"}, {"2024, 0, 0", "2024-0-0"}};
   for (const auto& [values, day] : days) {

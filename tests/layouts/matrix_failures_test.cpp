@@ -3,6 +3,7 @@
 #include "layouts/BExcelExpEngPayReconRpt.h"
 #include "layouts/BExcelExpEngStatisticsRpt.h"
 #include "layouts/matrix_reports.h"
+#include "support/failures.h"
 
 namespace excelexp {
 namespace {
@@ -74,7 +75,8 @@ TEST(MatrixFailures, Statistics) {
   ExpectFaults(report, name,
                {{"::ExecuteOperation Error: Error in ExcelRptLayoutQry Query.", "FROM ExcelWSItemRptLayout"},
                 {"::PrintColFinancialData Error: Error in ColourSchemeQry Query.", kSchemes},
-                {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", kSchemes, 2},
+                {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", "'Own'", 1,
+                 OwnSchemeSql("FinanceRowItem")},
                 {"::PrintPayPeriodInfo Error: Unable to get Analysis Project Details.",
                  "SELECT * FROM AnlysProject WHERE", 2}});
   ExpectFaults(report + "DELETE FROM ExcelWSItemRptLayout;\n", name,
@@ -87,7 +89,8 @@ TEST(MatrixFailures, Variance) {
   ExpectFaults(report, "BExcelExpEngVarianceRpt",
                {{"::ExecuteOperation Error: Error in ExcelRptLayoutQry Query.", "FROM ExcelWSItemRptLayout"},
                 {"::PrintColFinancialData Error: Error in ColourSchemeQry Query.", kSchemes},
-                {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", kSchemes, 2}});
+                {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", "'Own'", 1,
+                 OwnSchemeSql("FinanceRowItem")}});
   ExpectFaults(report, "ExcelExpEngVarianceRpt",
                {{" Error: Unable to get Analysis Project Details.", "SELECT * FROM AnlysProject WHERE", 2}});
 }
@@ -102,9 +105,12 @@ TEST(MatrixFailures, PayRecon) {
         "SELECT * FROM ExcelWSItemRptOpts WHERE WkSheet"},
        {"::ExecuteOperation Error: Error in FinanceColItemStatusQry Query.", "(FinColItem LIKE"},
        {"::ExecuteOperation Error: Error in ColourSchemeQry Query.", kSchemes},
-       {"::PrintColFinancialData Error: Error in ColourSchemeQry Query.", kSchemes, 2},
-       {"::PrintColStatusFinancialData Error: Error in ColourSchemeQry Query.", kSchemes, 3},
-       {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", kSchemes, 4},
+       {"::PrintColFinancialData Error: Error in ColourSchemeQry Query.", "'Own'", 1,
+        EmployeeColumn(3, "EmployeeName", "Name") + OwnSchemeSql("FinanceColItem", "FinColItemOrder = 3")},
+       {"::PrintColStatusFinancialData Error: Error in ColourSchemeQry Query.", "'Own'", 1,
+        OwnSchemeSql("FinanceColItem", "FinColItemOrder = 11")},
+       {"::PrintRowFinancialData Error: Error in ColourSchemeQry Query.", "'Own'", 1,
+        OwnSchemeSql("FinanceRowItem")},
        {"::ExecuteOperation Error: Empty ColourSchemeQry Recordset.", "", 1, "DELETE FROM ColourScheme"}});
   ExpectFaults(report, "ExcelExpEngPayReconRpt",
                {{" Error: Unable to get Analysis Project Details.", "SELECT * FROM AnlysProject WHERE", 2}});

@@ -6,6 +6,14 @@
 
 namespace excelexp {
 
+std::string OwnSchemeSql(const std::string& table, const std::string& condition) {
+  return "CREATE TEMP TABLE Own AS SELECT * FROM ColourScheme WHERE ColourSchemeId = 'Body';\n"
+         "UPDATE Own SET ColourSchemeId = 'Own';\n"
+         "INSERT INTO ColourScheme SELECT * FROM Own;\n"
+         "UPDATE " +
+         table + " SET ColourSchemeId = 'Own' WHERE " + condition + ";\n";
+}
+
 void ExpectFailures(const std::string& sql, const std::string& chain, const std::vector<FailureRow>& rows) {
   for (const FailureRow& row : rows) {
     SCOPED_TRACE(row.part + row.change);

@@ -1,5 +1,6 @@
 #include "platform/database/DatabaseRegistry.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -7,6 +8,8 @@
 
 namespace excelexp {
 namespace {
+
+std::atomic<std::uint64_t> generation = 0;
 
 struct Connections {
   std::mutex mutex;
@@ -21,6 +24,7 @@ Connections& All() {
 }  // namespace
 
 void DatabaseRegistry::Register(std::string name, std::shared_ptr<Database> database) {
+  ++generation;
   {
     const std::lock_guard lock(All().mutex);
     All().by_name[std::move(name)].swap(database);
@@ -29,6 +33,7 @@ void DatabaseRegistry::Register(std::string name, std::shared_ptr<Database> data
 }
 
 void DatabaseRegistry::Remove(std::string_view name) {
+  ++generation;
   std::shared_ptr<Database> removed;
   const std::lock_guard lock(All().mutex);
   if (const auto found = All().by_name.find(name); found != All().by_name.end()) {
@@ -43,7 +48,12 @@ std::shared_ptr<Database> DatabaseRegistry::Find(std::string_view name) {
   return found == All().by_name.end() ? nullptr : found->second;
 }
 
+std::uint64_t DatabaseRegistry::Generation() {
+  return generation;
+}
+
 void DatabaseRegistry::NoteWrite() {
+  ++generation;
   std::vector<std::shared_ptr<Database>> databases;
   {
     const std::lock_guard lock(All().mutex);

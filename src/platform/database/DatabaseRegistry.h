@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,6 +23,9 @@ class DatabaseRegistry {
   static std::shared_ptr<Database> Find(std::string_view name);
   /// Calls NoteWrite on every registered connection.
   static void NoteWrite();
+  /// Another number after every Register, Remove and NoteWrite: what was read under an earlier one may have
+  /// changed.
+  static std::uint64_t Generation();
 };
 
 }  // namespace excelexp

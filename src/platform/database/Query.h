@@ -82,6 +82,7 @@ class Query {
   /// or an unknown field.
   bool Locate(std::string_view fields, std::span<const KeyValue> values);
   bool Locate(std::string_view field, const KeyValue& value) { return Locate(field, std::span(&value, 1)); }
+  bool Locate(std::span<const std::string_view> fields, std::span<const KeyView> values);
 
  private:
   friend class Field;

@@ -17,8 +17,6 @@
 namespace excelexp {
 namespace {
 
-constexpr std::size_t kMostKeys = 16;
-
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
@@ -82,13 +80,14 @@ ResultColumns::ResultColumns(std::vector<std::string> names)
   }
 }
 
-int ResultColumns::Find(std::string_view name) const {
+int ResultColumns::Search(std::string_view name) const {
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t slot = HashName(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
     const auto column = static_cast<std::size_t>(slots_[slot] - 1);
     if (!SameName(names_[column], name)) continue;
     if (!asked_[column]) ++asked_count_;
     asked_[column] = true;
+    Guess(name) = static_cast<std::uint16_t>(column + 1);
     return static_cast<int>(column);
   }
   return -1;
@@ -209,7 +208,7 @@ std::string ResultSet::AsBytes(int row, int column) const {
   return AsText(row, column);
 }
 
-int ResultSet::Find(std::span<const int> columns, std::span<const KeyValue> keys) const {
+int ResultSet::Find(std::span<const int> columns, std::span<const KeyView> keys) const {
   if (columns.size() != keys.size() || columns.empty())
     throw std::invalid_argument("a search needs one key for each of its columns");
   if (keys.size() > kMostKeys) throw std::invalid_argument("a search has too many keys");
@@ -223,7 +222,7 @@ int ResultSet::Find(std::span<const int> columns, std::span<const KeyValue> keys
   return FindHere(std::span(here).first(columns.size()), keys);
 }
 
-int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyValue> keys) const {
+int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyView> keys) const {
   const Index& index = IndexOver(columns);
   std::array<std::string_view, kMostKeys> texts;
   std::array<TextBuffer, kMostKeys> buffers;
@@ -231,7 +230,7 @@ int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyValue> 
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const auto* number = std::get_if<std::int64_t>(&keys[i]);
     texts[i] = number != nullptr ? AsView({Kind::kInteger, static_cast<std::uint64_t>(*number)}, buffers[i])
-                                 : std::string_view(std::get<std::string>(keys[i]));
+                                 : std::get<std::string_view>(keys[i]);
     hash = Combine(hash, texts[i]);
   }
   const std::size_t mask = index.slots.size() - 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -16,6 +17,8 @@ namespace excelexp {
 
 /// One value of a Locate: integers and texts may stand in one list.
 using KeyValue = std::variant<std::int64_t, std::string>;
+/// The same with texts that stay the caller's.
+using KeyView = std::variant<std::int64_t, std::string_view>;
 
 /// The columns of a statement's results, shared by all of them, and which of them have been asked for by
 /// name. Letter case does not count; of two columns of one name the first counts.
@@ -26,15 +29,27 @@ class ResultColumns {
   int Count() const { return static_cast<int>(names_.size()); }
   const std::string& Name(int column) const { return names_.at(static_cast<std::size_t>(column)); }
   /// -1 when there is no such column.
-  int Find(std::string_view name) const;
+  int Find(std::string_view name) const {
+    const std::uint16_t guess = Guess(name);
+    if (guess != 0 && names_[guess - 1U] == name) return guess - 1;
+    return Search(name);
+  }
 
   /// The columns that Find found so far, from the left.
   std::vector<int> Asked() const;
   int AskedCount() const { return asked_count_; }
 
  private:
+  std::uint16_t& Guess(std::string_view name) const {
+    const auto place = reinterpret_cast<std::uintptr_t>(name.data());
+    return guesses_[(place >> 3 ^ place >> 9 ^ place) % guesses_.size()];
+  }
+  int Search(std::string_view name) const;
+
   std::vector<std::string> names_;
   std::vector<int> slots_;  // column + 1 by the hash of its name, or 0; a power of two of them
+  // Readers ask with the same literal again and again: column + 1 by where the literal stands, to be checked.
+  mutable std::array<std::uint16_t, 64> guesses_{};
   mutable std::vector<bool> asked_;
   mutable int asked_count_ = 0;
 };
@@ -49,6 +64,8 @@ class ResultColumns {
 /// have throws std::out_of_range.
 class ResultSet {
  public:
+  static constexpr std::size_t kMostKeys = 16;  ///< of one search
+
   enum class Missing { kRows, kColumns };
   /// The same result with all of its rows (and the same columns at least), or with everything.
   using Fetch = std::function<std::shared_ptr<const ResultSet>(Missing)>;
@@ -83,7 +100,7 @@ class ResultSet {
   /// are the same: exact, case-sensitive, whole; so 5 equals 5, 5.0 and '5', and '' equals NULL. The index
   /// over these columns is built on the first call and kept.
   /// Throws std::invalid_argument when there are not as many keys as columns.
-  int Find(std::span<const int> columns, std::span<const KeyValue> keys) const;
+  int Find(std::span<const int> columns, std::span<const KeyView> keys) const;
 
   /// About how much memory the result takes, its indexes included.
   std::size_t Bytes() const { return bytes_; }
@@ -136,7 +153,7 @@ class ResultSet {
   std::string_view AsView(Value value, TextBuffer& buffer) const;
   [[noreturn]] void FailDate(int column, const std::string& text) const;
 
-  int FindHere(std::span<const int> columns, std::span<const KeyValue> keys) const;
+  int FindHere(std::span<const int> columns, std::span<const KeyView> keys) const;
   const Index& IndexOver(std::span<const int> columns) const;
   Index BuildIndex(std::span<const int> columns) const;
   bool SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const;

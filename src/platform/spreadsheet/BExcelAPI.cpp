@@ -74,6 +74,16 @@ void ChangeFormat(const Target& target, const FormatChange& change) {
   });
 }
 
+void ChangeCellFormat(const Target& target, const FormatChange& change) {
+  Cell& cell = target.sheet.At(target.range.first_row, target.range.first_col);
+  cell.format = target.workbook.ChangedFormat(cell.format, change);
+}
+
+/// The application's constant for "automatic" is our 0.
+double PaletteIndex(double colour) {
+  return colour == kAutomaticColour ? 0 : colour;
+}
+
 [[noreturn]] void Fail(const Target& target, const std::string& what) {
   FailAt(target.sheet.Name(), target.range, what);
 }
@@ -287,8 +297,7 @@ void BExcelAPI::SetFontNameSize(const Handle& workbook, const std::string& sheet
 void BExcelAPI::SetFontColour(const Handle& workbook, const std::string& sheet, const std::string& range,
                               const Variant& colour) {
   const Target target = Locate(workbook, sheet, range);
-  double index = NumberOf(colour, target, "font colour");
-  if (index == kAutomaticColour) index = 0;
+  const double index = PaletteIndex(NumberOf(colour, target, "font colour"));
   if (!(index >= 0 && index <= kPaletteColours) || index != std::floor(index)) {
     Fail(target, "the font colour must be a palette index from 1 to 56, or 0 for automatic.");
   }
@@ -328,6 +337,32 @@ void BExcelAPI::SetRowHeight(const Handle& workbook, const std::string& sheet, c
   const double points = NumberWithin(height, target, "row height", 0, kMaxRowHeight);
   for (int row = target.range.first_row; row <= target.range.last_row; ++row)
     target.sheet.SetRowHeight(row, points);
+}
+
+PreparedStyle BExcelAPI::PrepareStyle(const Handle& workbook, const CellStyle& style) {
+  Workbook& open = Open(workbook);
+  std::vector<FormatChange> changes = {
+      FormatChange::Font(open.InternName(style.font_name), style.font_size),
+      FormatChange::Colour(static_cast<int>(PaletteIndex(style.font_colour)))};
+  if (style.font_style)
+    changes.push_back(FormatChange::Style(style.font_style->bold, false, style.font_style->italic));
+  changes.push_back(FormatChange::Underlined(style.underline));
+  changes.push_back(FormatChange::Effects(style.strikethrough, style.superscript, style.subscript));
+  return {open.AddChanges(std::move(changes)), style.column_width, style.row_height};
+}
+
+void BExcelAPI::ApplyStyle(const Handle& workbook, const std::string& sheet, int row, int column,
+                           const PreparedStyle& style) {
+  const Target target = Locate(workbook, sheet, row, column);
+  ChangeCellFormat(target, FormatChange::All(style.changes));
+  target.sheet.SetColumnWidth(column, style.column_width);
+  target.sheet.SetRowHeight(row, style.row_height);
+}
+
+void BExcelAPI::NumberFormatOnCell(const Handle& workbook, const std::string& sheet, int row, int column,
+                                   const std::string& format) {
+  const Target target = Locate(workbook, sheet, row, column);
+  ChangeCellFormat(target, FormatChange::Number(target.workbook.InternName(format)));
 }
 
 }  // namespace excelexp

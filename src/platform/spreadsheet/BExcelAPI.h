@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "platform/spreadsheet/CellName.h"
+#include "platform/spreadsheet/CellStyle.h"
 #include "platform/spreadsheet/SpreadsheetError.h"
 #include "platform/spreadsheet/Workbook.h"
 
@@ -25,6 +26,13 @@ class Handle {
 
  private:
   std::shared_ptr<Workbook> workbook_;
+};
+
+/// A style that a workbook knows, for the next cells that get it.
+struct PreparedStyle {
+  std::uint32_t changes = 0;
+  double column_width = 0.0;
+  double row_height = 0.0;
 };
 
 /// The automation wrapper: the fixed list of operations through which everything is printed. Cells are
@@ -96,6 +104,14 @@ class BExcelAPI {
   /// `height` in points, 0 to 409; 0 hides the range's rows.
   virtual void SetRowHeight(const Handle& workbook, const std::string& sheet, const std::string& range,
                             const Variant& height);
+
+  /// The seven operations above as one, for one cell at a time, and the number format of one cell: what a
+  /// report of many cells does most. A style must be one whose operations were accepted one by one before.
+  virtual PreparedStyle PrepareStyle(const Handle& workbook, const CellStyle& style);
+  virtual void ApplyStyle(const Handle& workbook, const std::string& sheet, int row, int column,
+                          const PreparedStyle& style);
+  virtual void NumberFormatOnCell(const Handle& workbook, const std::string& sheet, int row, int column,
+                                  const std::string& format);
 
   /// Called before each step of SaveWorkbook: computing, checking and laying out the file, publishing it.
   /// What it throws abandons the save, and nothing is written.

@@ -69,6 +69,9 @@ void FormatChange::Apply(CellFormat& format, const Workbook& workbook) const {
     case Property::kCentred:
       format.centred = first;
       return;
+    case Property::kAll:
+      for (const FormatChange& change : workbook.Changes(name)) change.Apply(format, workbook);
+      return;
   }
 }
 

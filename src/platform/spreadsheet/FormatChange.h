@@ -19,6 +19,7 @@ struct FormatChange {
     kNumberFormat,
     kWordWrap,
     kCentred,
+    kAll,
   };
 
   static FormatChange Font(std::uint32_t name, double points);  ///< `name` from Workbook::InternName
@@ -29,6 +30,8 @@ struct FormatChange {
   static FormatChange Effects(bool strikethrough, bool superscript, bool subscript);
   static FormatChange Number(std::uint32_t name);  ///< `name` from Workbook::InternName
   static FormatChange WordWrap(bool wrap) { return {Property::kWordWrap, 0, wrap}; }
+  /// Several changes one after the other; `list` from Workbook::AddChanges.
+  static FormatChange All(std::uint32_t list) { return {Property::kAll, list, 0}; }
   static FormatChange Centred(bool centred) { return {Property::kCentred, 0, centred}; }
 
   void Apply(CellFormat& format, const Workbook& workbook) const;
@@ -36,7 +39,7 @@ struct FormatChange {
   friend bool operator==(const FormatChange&, const FormatChange&) = default;
 
   Property property = Property::kFont;
-  std::uint32_t name = 0;  ///< kFont, kNumberFormat: index of the name
+  std::uint32_t name = 0;  ///< kFont, kNumberFormat: index of the name; kAll: of the list
   std::int64_t value = 0;  ///< a number, flags, or the bits of a size
 };
 

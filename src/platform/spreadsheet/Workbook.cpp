@@ -118,6 +118,7 @@ struct Workbook::Pools {
   InternPool<std::string, TextHash> names;
   std::array<Transition, Transition::kSlots> transitions;
   InternPool<CellFormat, CellFormatHash> formats;
+  std::deque<std::vector<FormatChange>> changes;
   std::deque<Formula> formulas;
 };
 
@@ -173,6 +174,14 @@ std::uint32_t Workbook::InternName(std::string_view name) {
 }
 const std::string& Workbook::Name(std::uint32_t index) const {
   return pools_->names[index];
+}
+
+std::uint32_t Workbook::AddChanges(std::vector<FormatChange> changes) {
+  pools_->changes.push_back(std::move(changes));
+  return static_cast<std::uint32_t>(pools_->changes.size() - 1);
+}
+const std::vector<FormatChange>& Workbook::Changes(std::uint32_t index) const {
+  return pools_->changes[index];
 }
 
 std::uint32_t Workbook::AddFormula(Formula formula) {

@@ -208,6 +208,10 @@ class Workbook {
   std::uint32_t InternName(std::string_view name);
   const std::string& Name(std::uint32_t index) const;
 
+  /// Changes that are made together, numbered for FormatChange.
+  std::uint32_t AddChanges(std::vector<FormatChange> changes);
+  const std::vector<FormatChange>& Changes(std::uint32_t index) const;
+
   std::uint32_t AddFormula(Formula formula);
   Formula& FormulaAt(std::uint32_t index);
   const Formula& FormulaAt(std::uint32_t index) const;

@@ -216,7 +216,7 @@ TEST(ResultCache, CountsTheIndexesBuiltAfterwards) {
   cache.Put("first", first);
   for (const char* sql : {"a", "b", "c"}) cache.Put(sql, result());
   const std::vector<std::vector<int>> columns = {{0}, {1}, {0, 1}, {1, 0}};
-  for (const std::vector<int>& each : columns) first->Find(each, std::vector<KeyValue>(each.size(), 1));
+  for (const std::vector<int>& each : columns) first->Find(each, std::vector<KeyView>(each.size(), 1));
   EXPECT_EQ(cache.Find("first"), first);
   EXPECT_EQ(cache.Find("a"), nullptr);
   EXPECT_NE(cache.Find("c"), nullptr);

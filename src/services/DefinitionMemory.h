@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/database/DatabaseRegistry.h"
+#include "platform/spreadsheet/BExcelAPI.h"
+
+namespace excelexp {
+
+/// Answers by their questions, forgotten when the databases may have changed.
+template <typename Answer>
+class Remembered {
+ public:
+  /// nullptr for a question that was not answered yet. Valid until the next Find.
+  const Answer* Find(std::string_view question) {
+    if (const std::uint64_t now = DatabaseRegistry::Generation(); now != generation_) {
+      answers_.clear();
+      generation_ = now;
+    }
+    const auto found = answers_.find(question);
+    return found == answers_.end() ? nullptr : &found->second;
+  }
+  const Answer& Keep(std::string_view question, Answer answer) {
+    return answers_.insert_or_assign(std::string(question), std::move(answer)).first->second;
+  }
+
+ private:
+  std::uint64_t generation_ = 0;
+  std::map<std::string, Answer, std::less<>> answers_;
+};
+
+/// Colour schemes that were opened together, and the styles of those that a cell was formatted by.
+struct SchemeSet {
+  std::string sql;  ///< opens them
+  std::vector<std::pair<std::string, PreparedStyle>> styles;
+
+  const PreparedStyle* Find(std::string_view scheme_id) const {
+    for (const auto& [id, style] : styles)
+      if (id == scheme_id) return &style;
+    return nullptr;
+  }
+};
+
+/// Where an analysis item's value stands in its records.
+struct ValueColumn {
+  std::string column;
+  std::string type;
+};
+
+/// What a run has learnt from the definition tables, so that it asks them once instead of for every cell.
+struct DefinitionMemory {
+  Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
+  Remembered<ValueColumn> value_columns;               ///< by grouping, component and column, one a line
+};
+
+}  // namespace excelexp
