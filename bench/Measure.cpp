@@ -32,16 +32,20 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+std::int64_t PeakBytesHere(const std::function<void()>& work) {
+  malloc_trim(0);
+  std::ofstream("/proc/self/clear_refs") << "5";  // the peak starts again from here
+  const std::int64_t base = StatusBytes("VmRSS:");
+  work();
+  return StatusBytes("VmHWM:") - base;
+}
+
 std::int64_t PeakBytes(const std::function<void()>& work) {
   int ends[2];
   if (pipe(ends) != 0) return -1;
   const pid_t child = fork();
   if (child == 0) {
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";  // the peak starts again from here
-    const std::int64_t base = StatusBytes("VmRSS:");
-    work();
-    const std::int64_t rise = StatusBytes("VmHWM:") - base;
+    const std::int64_t rise = PeakBytesHere(work);
     _exit(write(ends[1], &rise, sizeof rise) == sizeof rise ? 0 : 1);
   }
   close(ends[1]);

@@ -19,8 +19,10 @@ class TemporaryFolder {
   std::string path_;
 };
 
-/// The bytes by which the peak of resident memory rises above the start of `work`, in a process of its own;
-/// -1 when the work fails there.
+/// The bytes by which the peak of resident memory rises above the start of `work`.
+std::int64_t PeakBytesHere(const std::function<void()>& work);
+
+/// The same in a process of its own; -1 when the work fails there.
 std::int64_t PeakBytes(const std::function<void()>& work);
 
 }  // namespace excelexp

@@ -1,23 +1,17 @@
 #include "bench/MonthEnd.h"
 
+#include <cstddef>
 #include <stdexcept>
 
 #include "demo/DemoDatabase.h"
-#include "engine/BExcelExpEngine.h"
-#include "platform/database/DatabaseRegistry.h"
-#include "platform/database/SqliteDatabase.h"
 #include "platform/database/SqliteWriter.h"
-#include "platform/host/BatchHost.h"
-#include "platform/host/LineSinks.h"
 
 namespace excelexp {
 namespace {
 
-constexpr char kAlias[] = "varndb";
-
-/// Of the demo's people some joined late or left early; this many more are made than are wanted.
+/// Of the demo's people about a tenth joined late or left early; more are made than are wanted.
 int WithSpare(int employees) {
-  return employees + employees / 10 + 20;
+  return employees + employees / 6 + 20;
 }
 
 // The figures an analysis copies: twelve items of the regular pay in each of the last three months. Employees
@@ -30,7 +24,8 @@ CREATE TABLE SetupMonthEnd AS
                          'TotalReimbursement', 'GrossWage', 'TotalDeduction', 'NetWage', 'WorkingDays',
                          'PayHeadCount')
     AND CAST(Basis1Id AS INTEGER) IN (SELECT EmployeeSysId FROM PayRecord WHERE PayRecYear = 2024
-                                      AND PayRecPeriod = 12 GROUP BY 1 ORDER BY 1 LIMIT )";
+                                      AND PayRecPeriod BETWEEN 10 AND 12 AND PayRecId = 'MONTHEND'
+                                      GROUP BY 1 HAVING COUNT(*) = 3 ORDER BY 1 LIMIT )";
 
 constexpr char kDefinitions[] = R"();
 INSERT INTO EmpCode1 SELECT printf('G%05d', EmployeeSysId), printf('Group %05d', EmployeeSysId) FROM Employee;
@@ -73,80 +68,18 @@ INSERT INTO FinanceColItem
 INSERT INTO FinanceGrpItem VALUES (9001, 'GROUPED', 1, 'Group', 'Employee', 'EmpCode1Id', 1, 1, 'DefColourScheme');
 )";
 
-/// Leaves the records of the first generation where they are.
-class KeepingHost final : public BatchHost {
- public:
-  KeepingHost(const std::string& database_file, std::string output_file, bool generated)
-      : BatchHost(database_file, std::move(output_file)), generated_(generated) {}
-
-  std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
-                                                        const std::string& database_name,
-                                                        bool interactive) override {
-    return std::make_unique<Keeping>(BatchHost::CreateAnalysisRptEng(request, database_name, interactive),
-                                     generated_);
-  }
-
- private:
-  class Keeping final : public BAnalysisRptEng {
-   public:
-    Keeping(std::unique_ptr<BAnalysisRptEng> real, bool generated)
-        : real_(std::move(real)), generated_(generated) {}
-    void SetQueryViewTable(const BQueryViewTable* view_table) override {
-      real_->SetQueryViewTable(view_table);
-    }
-    int ExecuteOperation() override { return generated_ ? 1 : real_->ExecuteOperation(); }
-    void DeleteOperation() override {}
-
-   private:
-    std::unique_ptr<BAnalysisRptEng> real_;
-    bool generated_;
-  };
-
-  bool generated_;
-};
-
 }  // namespace
 
-MonthEnd::MonthEnd(int employees, std::uint64_t seed) : employees_(employees) {
+void WriteMonthEnd(const std::string& file, int employees) {
   DemoOptions options;
   options.employees = WithSpare(employees);
-  options.seed = seed;
-  WriteDemoDatabase(DatabaseFile(), options);
-  SqliteWriter writer(DatabaseFile());
+  WriteDemoDatabase(file, options);
+  SqliteWriter writer(file);
   writer.Transaction([&] { writer.ExecuteScript(kFigures + std::to_string(employees) + kDefinitions); });
-}
-
-void MonthEnd::Export(const std::string& spreadsheet, std::string_view extension, Records records) const {
-  Export(spreadsheet, extension, records, OpenSqliteDatabase(DatabaseFile()));
-}
-
-void MonthEnd::Export(const std::string& spreadsheet, std::string_view extension, Records records,
-                      std::shared_ptr<Database> connection) const {
-  DatabaseRegistry::Register(kAlias, std::move(connection));
-  const bool stays = records == Records::kAlreadyThere;
-  const FixedViewTable view(stays ? "stays" : "bench", "ViewEmployee");
-  const auto generated = [&] {
-    const std::string sql =
-        "SELECT COUNT(*) FROM AnlysItemRecord WHERE AnlysIPAddress = '" + view.sGetIPAddress() + "_1'";
-    return DatabaseRegistry::Find(kAlias)->Select(sql)->AsInteger(0, 0) > 0;
-  };
-  std::unique_ptr<BatchHost> host;
-  if (stays) {
-    host = std::make_unique<KeepingHost>(DatabaseFile(), OutputFile(extension), generated());
-  } else {
-    host = std::make_unique<BatchHost>(DatabaseFile(), OutputFile(extension));
+  if (writer.Rows("SELECT DISTINCT Basis1Id FROM SetupMonthEnd").size() !=
+      static_cast<std::size_t>(employees)) {
+    throw std::runtime_error("the demo has too few people for a month-end of " + std::to_string(employees));
   }
-  FileLineSink user_log(folder_.File("user.log"));
-  FileLineSink internal_log(folder_.File("internal.log"));
-  BExcelExpEngine engine(spreadsheet, &view, kAlias);
-  engine.SetHost(host.get());
-  engine.SetLogMemo(&user_log);
-  engine.SetInternalMemo(&internal_log);
-  const int result = engine.ExecuteOperation();
-  user_log.Flush();
-  internal_log.Flush();
-  DatabaseRegistry::Remove(kAlias);
-  if (result != 1) throw std::runtime_error("the export of " + spreadsheet + " failed");
 }
 
 }  // namespace excelexp

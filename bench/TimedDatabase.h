@@ -14,6 +14,10 @@
 
 namespace excelexp {
 
+inline bool IsNameCharacter(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
 /// A statement without its values, so that the same question about different employees counts as one.
 inline std::string ShapeOf(const std::string& sql) {
   std::string shape;
@@ -21,8 +25,10 @@ inline std::string ShapeOf(const std::string& sql) {
     if (sql[i] == '\'') {
       i = std::min(sql.find('\'', i + 1), sql.size() - 1);
       shape += "'?'";
-    } else if (std::isdigit(static_cast<unsigned char>(sql[i])) != 0) {
-      if (shape.empty() || shape.back() != '0') shape += '0';
+    } else if (std::isdigit(static_cast<unsigned char>(sql[i])) != 0 &&
+               (shape.empty() || !IsNameCharacter(shape.back()))) {
+      while (i + 1 < sql.size() && std::isdigit(static_cast<unsigned char>(sql[i + 1])) != 0) ++i;
+      shape += '0';
     } else if (std::isspace(static_cast<unsigned char>(sql[i])) == 0 || shape.empty() ||
                shape.back() != ' ') {
       shape += sql[i];
@@ -39,7 +45,7 @@ class TimedDatabase final : public Database {
   ~TimedDatabase() override {
     std::vector<std::pair<double, std::string>> slowest;
     for (const auto& [shape, use] : uses_) {
-      slowest.emplace_back(use.seconds, std::to_string(use.count) + " x " + shape.substr(0, 150));
+      slowest.emplace_back(use.seconds, std::to_string(use.count) + " x " + shape.substr(0, 200));
     }
     std::sort(slowest.rbegin(), slowest.rend());
     std::fprintf(stderr, "slowest statements of %s:\n", name_.c_str());

@@ -1,56 +1,72 @@
-// Whole exports.
+// Whole exports, and libxlsxwriter alone writing the same cells from memory.
 
 #include <benchmark/benchmark.h>
 
-#include <map>
 #include <memory>
 
+#include "bench/Comparisons.h"
+#include "bench/LibxlsxwriterPeer.h"
+#include "bench/MeasureExport.h"
 #include "bench/MonthEnd.h"
-#include "bench/TimedDatabase.h"
-#include "platform/database/SqliteDatabase.h"
+#include "bench/SharedDatabase.h"
+#include "bench/Sizes.h"
 
 namespace excelexp {
 namespace {
 
-const MonthEnd& Of(int employees) {
-  static std::map<int, std::unique_ptr<MonthEnd>> made;
-  auto& known = made[employees];
-  if (known == nullptr) known = std::make_unique<MonthEnd>(employees);
-  return *known;
+struct Case {
+  const char* name;
+  const char* spreadsheet;
+  const char* extension;
+  Records records;
+  int Sizes::*employees;
+};
+
+constexpr Case kCases[] = {
+    {"Export/Xls", kFlat, ".xls", Records::kGeneratedAndDeleted, &Sizes::listing},
+    {"Export/PrintXls", kFlat, ".xls", Records::kAlreadyThere, &Sizes::listing},
+    {"Export/Xlsx", kFlat, ".xlsx", Records::kGeneratedAndDeleted, &Sizes::listing},
+    {"Export/Grouped", kGrouped, ".xls", Records::kGeneratedAndDeleted, &Sizes::listing},
+    {"Export/Small", kFlat, ".xls", Records::kGeneratedAndDeleted, &Sizes::small},
+    {"Export/Large", kFlat, ".xls", Records::kGeneratedAndDeleted, &Sizes::large},
+};
+
+void RunCase(benchmark::State& state, const Case& row) {
+  const int employees = RunSizes().*row.employees;
+  const SharedDatabase& database =
+      row.records == Records::kAlreadyThere ? MonthEndWithRecords(employees) : MonthEndOf(employees);
+  MeasureExport(state, database, row.spreadsheet, row.extension, row.records);
 }
 
-void Export(benchmark::State& state, const std::string& spreadsheet, const std::string& extension,
-            MonthEnd::Records records) {
-  const MonthEnd& month_end = Of(static_cast<int>(state.range(0)));
-  for (auto unused : state) month_end.Export(spreadsheet, extension, records);
+const LibxlsxwriterPeer& Listing() {
+  static const std::unique_ptr<LibxlsxwriterPeer> kListing = [] {
+    std::unique_ptr<LibxlsxwriterPeer> peer;
+    const SharedDatabase& database = MonthEndOf(RunSizes().listing);
+    Export(database.File(), kFlat, database.Output(".xls"), {.when_saved = [&peer](const Workbook& workbook) {
+             peer = std::make_unique<LibxlsxwriterPeer>(workbook);
+           }});
+    return peer;
+  }();
+  return *kListing;
 }
-constexpr auto kGenerated = MonthEnd::Records::kGeneratedAndDeleted;
-constexpr auto kThere = MonthEnd::Records::kAlreadyThere;
-BENCHMARK_CAPTURE(Export, Xls, "FLAT", ".xls", kGenerated)
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1);
-BENCHMARK_CAPTURE(Export, PrintXls, "FLAT", ".xls", kThere)
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1);
-BENCHMARK_CAPTURE(Export, Xlsx, "FLAT", ".xlsx", kGenerated)
-    ->Arg(10000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1);
-BENCHMARK_CAPTURE(Export, Grouped, "GROUPED", ".xls", kGenerated)
-    ->Arg(10000)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1);
 
-void Slow(benchmark::State& state) {
-  const MonthEnd& month_end = Of(10000);
-  for (auto unused : state)
-    month_end.Export("FLAT", ".xls", kGenerated,
-                     std::make_shared<TimedDatabase>(OpenSqliteDatabase(month_end.DatabaseFile()), "flat"));
+void RunLibxlsxwriter(benchmark::State& state) {
+  const LibxlsxwriterPeer& listing = Listing();
+  const TemporaryFolder folder;
+  for (auto unused : state) listing.Write(folder.File("Payroll.xlsx"));
 }
-BENCHMARK(Slow)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 }  // namespace
+
+void RegisterExports() {
+  for (const Case& row : kCases) {
+    benchmark::RegisterBenchmark(row.name, RunCase, row)
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime();
+  }
+  benchmark::RegisterBenchmark("Export/Libxlsxwriter", RunLibxlsxwriter)
+      ->Unit(benchmark::kMillisecond)
+      ->MeasureProcessCPUTime();
+}
+
 }  // namespace excelexp

@@ -1,0 +1,53 @@
+#include "bench/DemoSheets.h"
+
+#include "demo/DemoDatabase.h"
+#include "demo/DemoDefinitions.h"
+#include "platform/database/SqliteWriter.h"
+
+namespace excelexp {
+namespace {
+
+constexpr char kOneSheetEach[] = R"(
+INSERT INTO ExcelSpreadsheet (ExcelSpreadsheetId) SELECT WkSheetName FROM ExcelWkSheet;
+UPDATE ExcelWkSheet SET ExcelSpreadsheetId = WkSheetName;
+)";
+
+// Forty of each department and cost centre, so that a worksheet of them prints enough cells for its figure to
+// mean something. The descriptions stay, and with them the groups of the breakdown.
+constexpr char kManyCodes[] = R"(
+CREATE TEMP TABLE Copy AS
+  WITH RECURSIVE Number (i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM Number WHERE i < 39) SELECT i FROM Number;
+INSERT INTO Department SELECT DepartmentId || '-' || i, DepartmentDesc FROM Department JOIN Copy;
+INSERT INTO CostCentre SELECT CostCentreId || '-' || i, CostCentreDesc FROM CostCentre JOIN Copy;
+UPDATE Employee SET DepartmentId = DepartmentId || '-' || (EmployeeSysId % 40);
+UPDATE StaffMovement SET FromDepartmentId = FromDepartmentId || '-' || (EmployeeSysId % 40),
+                         ToDepartmentId = ToDepartmentId || '-' || (EmployeeSysId % 40);
+UPDATE EmployeeCostCentre SET CostCentreId = CostCentreId || '-' || (EmployeeSysId % 40);
+DELETE FROM Department WHERE DepartmentId NOT LIKE '%-%';
+DELETE FROM CostCentre WHERE CostCentreId NOT LIKE '%-%';
+DROP TABLE Copy;
+)";
+
+}  // namespace
+
+std::vector<std::string> DemoSheetNames() {
+  std::vector<std::string> names;
+  for (const DemoFamily& family :
+       {DemoBreakdowns(), DemoAccumulations(), DemoMatrices(), DemoMovements(), DemoLeaves(), DemoStaff()}) {
+    for (const DemoSheet& sheet : family.sheets) names.emplace_back(sheet.name);
+  }
+  return names;
+}
+
+void WriteDemoSheets(const std::string& file, int employees) {
+  DemoOptions options;
+  options.employees = employees;
+  WriteDemoDatabase(file, options);
+  SqliteWriter writer(file);
+  writer.Transaction([&] {
+    writer.ExecuteScript(kOneSheetEach);
+    writer.ExecuteScript(kManyCodes);
+  });
+}
+
+}  // namespace excelexp

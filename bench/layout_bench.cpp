@@ -1,0 +1,28 @@
+// What a printed cell costs in each layout and frame.
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+#include "bench/Comparisons.h"
+#include "bench/DemoSheets.h"
+#include "bench/MeasureExport.h"
+
+namespace excelexp {
+namespace {
+
+void RunSheet(benchmark::State& state, const std::string& sheet) {
+  MeasureExport(state, DemoSheetWithRecords(sheet), sheet, ".xls", Records::kAlreadyThere);
+}
+
+}  // namespace
+
+void RegisterLayouts() {
+  for (const std::string& sheet : DemoSheetNames()) {
+    benchmark::RegisterBenchmark(("Layout/" + sheet).c_str(), RunSheet, sheet)
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime();
+  }
+}
+
+}  // namespace excelexp
