@@ -74,8 +74,8 @@ COMPANY_LEVEL = {"Layout/Company", "Layout/Company Year"}
 
 def layout_promises(times: dict) -> list:
     """One for each worksheet of the demo beside the breakdown."""
-    return [Promise(f"layout_{name.removeprefix('Layout/').lower().replace(' ', '_')}/breakdown", name, against=BREAKDOWN,
-                    goal=None if name in COMPANY_LEVEL else LAYOUT_GOAL, per="cells")
+    return [Promise(f"layout_{name.removeprefix('Layout/').lower().replace(' ', '_')}/breakdown", name,
+                    against=BREAKDOWN, goal=None if name in COMPANY_LEVEL else LAYOUT_GOAL, per="cells")
             for name in times if name.startswith("Layout/") and name != BREAKDOWN]
 
 

@@ -28,8 +28,8 @@ def shown_xls(file: str) -> Iterator[tuple]:
                 look = book.xf_list[cell.xf_index]
                 font = book.font_list[look.font_index]
                 yield (sheet.name, row, column), (
-                    cell.value, font.name, font.height, font.weight, font.italic, font.underline_type, font.colour_index,
-                    book.format_map[look.format_key].format_str, look.alignment.hor_align)
+                    cell.value, font.name, font.height, font.weight, font.italic, font.underline_type,
+                    font.colour_index, book.format_map[look.format_key].format_str, look.alignment.hor_align)
 
 
 def shown_xlsx(file: str) -> Iterator[tuple]:
