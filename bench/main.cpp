@@ -29,13 +29,13 @@ namespace {
 constexpr char kUsage[] =
     R"(usage: excelexp_bench [--divide=N] [--benchmark_...]
        excelexp_bench --month-end=FILE [--divide=N]
-       excelexp_bench --export=ID --database=FILE --output=FILE [--records=kept] [--libxlsxwriter=FILE]
+       excelexp_bench --export=ID --database=FILE --output=FILE [--records=kept|there] [--libxlsxwriter=FILE]
        excelexp_bench --statements=ID [--divide=N]
 
 The first measures. The others
   write the month-end database with the definitions FLAT and GROUPED,
   export one definition of a database and print how much memory that took and how many cells it printed;
-    with --records=kept its analysis records stay, with --libxlsxwriter that library writes its cells again,
+    with --records=kept its analysis records stay, with --records=there they are those that stayed, with --libxlsxwriter that library writes its cells again,
   export FLAT, GROUPED or a worksheet of the demo and print which SQL statements took most of the time.
 --divide makes every database smaller.
 )";
@@ -78,7 +78,9 @@ void ExportOnce(const Options& options) {
     const auto theirs = options.find("libxlsxwriter");
     if (theirs != options.end()) LibxlsxwriterPeer(workbook).Write(theirs->second);
   }};
-  if (options.contains("records")) how.records = Records::kGeneratedAndKept;
+  if (options.contains("records")) {
+    how.records = options.at("records") == "there" ? Records::kAlreadyThere : Records::kGeneratedAndKept;
+  }
   const std::int64_t peak = PeakBytesHere([&] {
     Export(Required(options, "database"), Required(options, "export"), Required(options, "output"), how);
   });

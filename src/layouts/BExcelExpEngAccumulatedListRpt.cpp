@@ -171,7 +171,7 @@ bool BExcelExpEngAccumulatedListRpt::Accumulate(const std::string& item_id, cons
 }
 
 bool BExcelExpEngAccumulatedListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
-  return lookup_.Locate(range_, item_id, item_type, Text(FinanceColItemQry, "FinColGrouping"));
+  return lookup_.Locate(range_, item_id, item_type, item_type);
 }
 
 std::string BExcelExpEngAccumulatedListRpt::GetAccumulatedRange() {

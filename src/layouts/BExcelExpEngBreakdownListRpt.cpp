@@ -54,6 +54,7 @@ bool BExcelExpEngBreakdownListRpt::PrintBlock() {
 
 bool BExcelExpEngBreakdownListRpt::PrintPayRecInfo() {
   for (ExcelRptLayoutQry.First(); !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
+    period_ = PeriodOf(ExcelRptLayoutQry);
     SetStartPrintedCol(current_col_);
     if (AtFirstEntity() && !PrintPayPeriodInfo()) return false;
     if (!PrintFinancialData()) return false;
@@ -65,6 +66,7 @@ bool BExcelExpEngBreakdownListRpt::PrintPayRecInfo() {
 
 bool BExcelExpEngBreakdownListRpt::PrintTimeSheetInfo() {
   for (ExcelRptLayoutQry.First(); !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
+    period_ = PeriodOf(ExcelRptLayoutQry);
     SetStartPrintedCol(current_col_);
     if (!PrintTimesheetGroup()) return false;
   }
@@ -98,16 +100,15 @@ std::string BExcelExpEngBreakdownListRpt::SecondPairColumn() const {
 }
 
 bool BExcelExpEngBreakdownListRpt::OpenTimesheetRows() {
-  const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   const std::string pair = FirstPairColumn() + ", " + SecondPairColumn();
   std::string sql = "SELECT DISTINCT " + pair + " FROM AnlysItemRecord " + DataCondition();
   if (core_->ExcelWkSheetRptSumLvl != summary_level::kCompany) {
     sql += " AND Basis1Id = " + SqlText(Text(*core_->EmpCoyBasisQry, "Basis1Id"));
   }
-  sql += " AND AnlysItemRecYear = " + std::to_string(period.year) +
-         " AND AnlysItemRecPeriodMonth = " + std::to_string(period.period_month) +
-         " AND AnlysItemRecSubPeriod = " + std::to_string(period.sub_period) +
-         " AND AnlysPayRecBasis = " + SqlText(period.pay_record_basis) + " ORDER BY " + pair;
+  sql += " AND AnlysItemRecYear = " + std::to_string(period_.year) +
+         " AND AnlysItemRecPeriodMonth = " + std::to_string(period_.period_month) +
+         " AND AnlysItemRecSubPeriod = " + std::to_string(period_.sub_period) +
+         " AND AnlysPayRecBasis = " + SqlText(period_.pay_record_basis) + " ORDER BY " + pair;
   return core_->OpenOrLog(TimesheetBasisQry, sql, Where("PrintTimeSheetInfo"), "AnlysItemRecQry",
                           Rows::kOptional);
 }
@@ -142,12 +143,11 @@ bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
   if (!cells_.OpenTitleScheme(where) || !ReadCycle(where)) return false;
 
-  const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
-  return PrintHeading(current_row_ - 5, YearText(period.year), width) &&
-         PrintHeading(current_row_ - 4, PeriodText(cycle_group_by_, period.year, period.period_month),
+  return PrintHeading(current_row_ - 5, YearText(period_.year), width) &&
+         PrintHeading(current_row_ - 4, PeriodText(cycle_group_by_, period_.year, period_.period_month),
                       width) &&
-         PrintHeading(current_row_ - 3, SubPeriodText(period.sub_period), width) &&
-         PrintHeading(current_row_ - 2, period.pay_record_basis, width);
+         PrintHeading(current_row_ - 3, SubPeriodText(period_.sub_period), width) &&
+         PrintHeading(current_row_ - 2, period_.pay_record_basis, width);
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintHeading(int row, const std::string& text, int width) {
@@ -177,10 +177,8 @@ bool BExcelExpEngBreakdownListRpt::PrintEmptyTimesheetFinData() {
 }
 
 bool BExcelExpEngBreakdownListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
-  const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
-  if (!by_basis_pair_)
-    return lookup_.Locate(period, item_id, item_type, Text(FinanceColItemQry, "FinColGrouping"));
-  return lookup_.LocateBasis(period, Text(TimesheetBasisQry, FirstPairColumn()),
+  if (!by_basis_pair_) return lookup_.Locate(period_, item_id, item_type, item_type);
+  return lookup_.LocateBasis(period_, Text(TimesheetBasisQry, FirstPairColumn()),
                              Text(TimesheetBasisQry, SecondPairColumn()), item_id, item_type);
 }
 

@@ -78,12 +78,12 @@ bool LeaveLayout::CheckRowDataExist() {
 }
 
 bool LeaveLayout::ReadRowDataExist(bool& exists) {
-  const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
+  period_ = PeriodOf(ExcelRptLayoutQry);
   if (core_->ExecuteSQL("SELECT * FROM AnlysItemRecord " + DataCondition() + EntityCondition() +
-                        " AND AnlysItemRecYear = " + std::to_string(period.year) +
-                        " AND AnlysItemRecPeriodMonth = " + std::to_string(period.period_month) +
-                        " AND AnlysItemRecSubPeriod = " + std::to_string(period.sub_period) +
-                        " AND AnlysPayRecBasis = " + SqlText(period.pay_record_basis))) {
+                        " AND AnlysItemRecYear = " + std::to_string(period_.year) +
+                        " AND AnlysItemRecPeriodMonth = " + std::to_string(period_.period_month) +
+                        " AND AnlysItemRecSubPeriod = " + std::to_string(period_.sub_period) +
+                        " AND AnlysPayRecBasis = " + SqlText(period_.pay_record_basis))) {
     exists = core_->SQLQry->RowCount() > 0;
     return true;
   }
@@ -126,8 +126,7 @@ bool LeaveLayout::Walk(const ColumnWalk& walk) {
 }
 
 bool LeaveLayout::LocateItem(const std::string& item_id, const std::string& item_type) {
-  return lookup_.Locate(PeriodOf(ExcelRptLayoutQry), item_id, item_type,
-                        Text(FinanceColItemQry, "FinColGrouping"));
+  return lookup_.Locate(period_, item_id, item_type, item_type);
 }
 
 }  // namespace excelexp

@@ -18,76 +18,99 @@ bool ListingLayout::PrintColumnItems() {
     return false;
   }
   if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
+  ReadColumnItems();
   current_row_ = core_->StartPrintedRow;
   current_col_ = core_->LastPrintedCol;
   return PrintBlock();
 }
 
+void ListingLayout::ReadColumnItems() {
+  const std::string question = core_->ExcelWkSheetTitleColourSchemeId + "\n" + FinanceColItemQry.Sql();
+  if (const auto* known = core_->Memory->column_items.Find(question)) {
+    items_ = *known;
+    return;
+  }
+  items_ = std::make_shared<std::vector<KnownColumnItem>>();
+  for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
+    const auto text = [this](std::string_view field) { return Text(FinanceColItemQry, field); };
+    items_->push_back({.type = text("FinColItemType"),
+                       .item = text("FinColItem"),
+                       .grouping = text("FinColGrouping"),
+                       .component = text("FinColComponent"),
+                       .title = text("FinColItemTitle"),
+                       .scheme = text("ColourSchemeId"),
+                       .formula = text("FinColExcelFormula"),
+                       .schemes = nullptr,
+                       .value = std::nullopt});
+  }
+  core_->Memory->column_items.Keep(question, items_);
+}
+
 bool ListingLayout::WalkColumns(const ColumnWalk& walk) {
   core_->WriteBanner(Memo::kInternal, {walk.banner});
+  const std::string where = WalkWhere(walk);
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
-    if (!WalkColumn(walk)) return false;
+    if (!PrintColumn(walk, CurrentItem(), where)) return false;
   }
   return true;
 }
 
 bool ListingLayout::WalkColumn(const ColumnWalk& walk) {
-  const std::string type = Text(FinanceColItemQry, "FinColItemType");
-  const std::string scheme = Text(FinanceColItemQry, "ColourSchemeId");
-  const std::string title = Text(FinanceColItemQry, "FinColItemTitle");
-  const std::string where = WalkWhere(walk);
-  if (!cells_.OpenSchemes(scheme, where)) return false;
-  if (type == item_type::kAnalysis) {
-    if (!PrintAnalysisItem(walk)) return false;
-    if (walk.expands_all && Text(FinanceColItemQry, "FinColItem") == kAllItems) return true;
+  return PrintColumn(walk, CurrentItem(), WalkWhere(walk));
+}
+
+bool ListingLayout::PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where) {
+  if (!cells_.OpenSchemes(item, where)) return false;
+  if (item.type == item_type::kAnalysis) {
+    if (!PrintAnalysisItem(walk, item, where)) return false;
+    if (walk.expands_all && item.item == kAllItems) return true;
   } else {
-    if (!PrintTitle(walk, title)) return false;
+    if (!PrintTitle(walk, item.title)) return false;
     const int col = WalkCol(walk);
-    if (type == item_type::kSummaryLevel) {
-      PrintEntityField(Text(FinanceColItemQry, "FinColGrouping"), Text(FinanceColItemQry, "FinColComponent"),
-                       current_row_, col);
-    } else if (type == item_type::kCalculated) {
-      cells_.WriteFormula(current_row_, col,
-                          formulas_.DecodeColExcelFormula(Text(FinanceColItemQry, "FinColExcelFormula"),
-                                                          AllFormulaQry, current_cell_, current_row_));
+    if (item.type == item_type::kSummaryLevel) {
+      PrintEntityField(item.grouping, item.component, current_row_, col);
+    } else if (item.type == item_type::kCalculated) {
+      cells_.WriteFormula(
+          current_row_, col,
+          formulas_.DecodeColExcelFormula(item.formula, AllFormulaQry, current_cell_, current_row_));
       if (walk.formats_formulas) cells_.WriteAmountFormat(current_row_, col);
-    } else if (type == item_type::kBlank) {
+    } else if (item.type == item_type::kBlank) {
       cells_.WriteText(current_row_, col, "");
     }
   }
-  if (!cells_.Format(scheme, current_row_, WalkCol(walk), where)) return false;
+  if (!cells_.Format(item.scheme, current_row_, WalkCol(walk), where)) return false;
   ++current_col_;
   return true;
 }
 
-bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk) {
-  const std::string grouping = Text(FinanceColItemQry, "FinColGrouping");
-  const std::string component = Text(FinanceColItemQry, "FinColComponent");
-  const std::string item = Text(FinanceColItemQry, "FinColItem");
-  const std::string title = Text(FinanceColItemQry, "FinColItemTitle");
-  ValueColumn value;
-  if (walk.bank == BankRule::kCategory && grouping == kBankRecordGrouping) {
-    if (const BankColumn* column = FindBankColumn(component))
+bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item,
+                                      const std::string& where) {
+  if (walk.bank == BankRule::kCategory && item.grouping == kBankRecordGrouping) {
+    ValueColumn value;
+    if (const BankColumn* column = FindBankColumn(item.component))
       value = {std::string(column->column), std::string(column->type)};
-    return PrintAnalysisColumn(walk, title, BankPaymentCategory(item), grouping, value);
+    return PrintAnalysisColumn(walk, item.title, BankPaymentCategory(item.item), item.grouping, value);
   }
-  if (!ReadValueColumn(grouping, component, WalkWhere(walk), value)) return false;
-  if (walk.expands_all && item == kAllItems) return PrintAllItems(walk, grouping, value);
+  if (!item.value) {
+    ValueColumn value;
+    if (!ReadValueColumn(item.grouping, item.component, where, value)) return false;
+    item.value = std::move(value);
+  }
+  if (walk.expands_all && item.item == kAllItems) return PrintAllItems(walk, item, where);
   const bool by_component = std::find(walk.component_groupings.begin(), walk.component_groupings.end(),
-                                      grouping) != walk.component_groupings.end();
-  return PrintAnalysisColumn(walk, title, by_component ? component : item, grouping, value);
+                                      item.grouping) != walk.component_groupings.end();
+  return PrintAnalysisColumn(walk, item.title, by_component ? item.component : item.item, item.grouping,
+                             *item.value);
 }
 
-bool ListingLayout::PrintAllItems(const ColumnWalk& walk, const std::string& grouping,
-                                  const ValueColumn& value) {
-  const std::string where = WalkWhere(walk);
-  const std::string scheme = Text(FinanceColItemQry, "ColourSchemeId");
-  if (!OpenAllItems(grouping, where)) return false;
-  if (AllFormulaQry.RowCount() == 0) WarnNoItems(grouping, NoItemsPrefix());
+bool ListingLayout::PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item,
+                                  const std::string& where) {
+  if (!OpenAllItems(item.grouping, where)) return false;
+  if (AllFormulaQry.RowCount() == 0) WarnNoItems(item.grouping, NoItemsPrefix());
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {
     if (!PrintAnalysisColumn(walk, Text(AllFormulaQry, "AnlysItemDesc"), Text(AllFormulaQry, "AnlysItem1Id"),
-                             grouping, value) ||
-        !cells_.Format(scheme, current_row_, WalkCol(walk), where)) {
+                             item.grouping, *item.value) ||
+        !cells_.Format(item.scheme, current_row_, WalkCol(walk), where)) {
       return false;
     }
     ++current_col_;

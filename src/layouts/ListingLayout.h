@@ -70,15 +70,24 @@ class ListingLayout : public FinancialLayout {
   /// The warning for an "<ALL>" item without items begins with this.
   virtual std::string_view NoItemsPrefix() const { return "Warning "; }
 
+  PeriodKey period_;  ///< the column group being printed
+
   bool PrintTitle(const ColumnWalk& walk, const std::string& title);
   std::string WalkWhere(const ColumnWalk& walk) const;
   /// The column that the walk prints to next.
   int WalkCol(const ColumnWalk& walk) const { return current_col_ + walk.shift; }
 
  private:
-  bool PrintAnalysisItem(const ColumnWalk& walk);
-  bool PrintAllItems(const ColumnWalk& walk, const std::string& grouping, const ValueColumn& value);
+  void ReadColumnItems();
+  KnownColumnItem& CurrentItem() const {
+    return (*items_)[static_cast<std::size_t>(FinanceColItemQry.RowIndex())];
+  }
+  bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where);
+  bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where);
+  bool PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item, const std::string& where);
   bool IsTitled(const ColumnWalk& walk) const;
+
+  std::shared_ptr<std::vector<KnownColumnItem>> items_;  // of the rows of FinanceColItemQry
 };
 
 }  // namespace excelexp

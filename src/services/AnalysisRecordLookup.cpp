@@ -94,7 +94,21 @@ bool AnalysisRecordLookup::Run(const Request& request) const {
   }
   keys.Add("AnlysItemTypeId", request.item_type);
   if (request.country != nullptr) keys.Add("SysAttributeCountry", *request.country);
-  return records_->Locate(std::span(keys.fields).first(keys.count), std::span(keys.values).first(keys.count));
+  return records_->Locate(ColumnsOf(std::span(keys.fields).first(keys.count), request),
+                          std::span(keys.values).first(keys.count));
+}
+
+/// The columns of the fields, which are the same for every request of a kind on one result.
+std::span<const int> AnalysisRecordLookup::ColumnsOf(std::span<const std::string_view> fields,
+                                                     const Request& request) const {
+  const int kind = static_cast<int>(request.bank) | (request.basis_a != nullptr ? 4 : 0) |
+                   (request.country != nullptr ? 8 : 0);
+  if (kind != kind_ || records_->Columns() != columns_of_) {
+    kind_ = kind;
+    columns_of_ = records_->Columns();
+    columns_ = records_->ColumnsOf(fields);
+  }
+  return columns_;
 }
 
 }  // namespace excelexp

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/BExcelExpEngCore.h"
 #include "platform/database/Query.h"
@@ -55,10 +58,14 @@ class AnalysisRecordLookup {
  private:
   struct Request;
   bool Run(const Request& request) const;
+  std::span<const int> ColumnsOf(std::span<const std::string_view> fields, const Request& request) const;
 
   const BExcelExpEngCore* core_;
   Query* records_;
   LookupTraits traits_;
+  mutable std::shared_ptr<const ResultColumns> columns_of_;
+  mutable int kind_ = -1;
+  mutable std::vector<int> columns_;
 };
 
 }  // namespace excelexp

@@ -32,6 +32,15 @@ bool CellPrinter::OpenSchemes(const std::string& item_scheme, std::string_view w
   return OpenSchemes(ids, where);
 }
 
+bool CellPrinter::OpenSchemes(KnownColumnItem& item, std::string_view where) {
+  if (item.schemes == nullptr) {
+    if (!OpenSchemes(item.scheme, where)) return false;
+    item.schemes = chosen_;
+  }
+  chosen_ = item.schemes;
+  return true;
+}
+
 bool CellPrinter::OpenTitleScheme(std::string_view where) {
   const std::string& title = core_->ExcelWkSheetTitleColourSchemeId;
   const std::string question = colour_scheme_query_->DatabaseName() + "\ttitle\n" + title;

@@ -29,6 +29,8 @@ class CellPrinter {
   bool OpenSchemes(std::span<const std::string> ids, std::string_view where);
   /// The scheme of an item and the worksheet's title scheme.
   bool OpenSchemes(const std::string& item_scheme, std::string_view where);
+  /// Those of an item again; the item keeps what the first time found.
+  bool OpenSchemes(KnownColumnItem& item, std::string_view where);
   /// The worksheet's title scheme alone.
   bool OpenTitleScheme(std::string_view where);
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,10 +54,24 @@ struct ValueColumn {
   std::string type;
 };
 
+/// A column item of a report, and what its cells ask for again and again, once the first cell has asked.
+struct KnownColumnItem {
+  std::string type;
+  std::string item;
+  std::string grouping;
+  std::string component;
+  std::string title;
+  std::string scheme;
+  std::string formula;
+  std::shared_ptr<SchemeSet> schemes;
+  std::optional<ValueColumn> value;
+};
+
 /// What a run has learnt from the definition tables, so that it asks them once instead of for every cell.
 struct DefinitionMemory {
   Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
   Remembered<ValueColumn> value_columns;               ///< by grouping, component and column, one a line
+  Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< by title scheme and statement
 };
 
 }  // namespace excelexp

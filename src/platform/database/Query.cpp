@@ -1,7 +1,6 @@
 #include "platform/database/Query.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -124,36 +123,39 @@ bool Query::Locate(std::string_view fields, std::span<const KeyValue> values) {
     names.push_back(fields.substr(begin, end - begin));
     begin = end + 1;
   }
+  const std::vector<int> columns = ColumnsOf(names);
+  if (columns.size() != values.size()) {
+    throw DatabaseError(
+        "fields '" + std::string(fields) + "' are located with " + std::to_string(values.size()) + " values",
+        sql_);
+  }
   std::vector<KeyView> views;
   for (const KeyValue& value : values)
     std::visit([&views](const auto& each) { views.emplace_back(each); }, value);
-  return Locate(names, views);
+  return Locate(columns, views);
 }
 
-bool Query::Locate(std::span<const std::string_view> fields, std::span<const KeyView> values) {
-  const auto listed = [&fields] {
-    std::string list;
-    for (const std::string_view name : fields) list.append(list.empty() ? "" : ";").append(name);
-    return list;
-  };
-  if (result_ == nullptr)
-    throw DatabaseError("fields '" + listed() + "' are located in a query that is closed", sql_);
-  std::array<int, ResultSet::kMostKeys> columns{};
-  for (std::size_t i = 0; i < fields.size() && i < columns.size(); ++i) {
-    columns[i] = result_->ColumnIndex(fields[i]);
-    if (columns[i] < 0) throw DatabaseError("there is no field '" + std::string(fields[i]) + "'", sql_);
+std::vector<int> Query::ColumnsOf(std::span<const std::string_view> fields) const {
+  std::vector<int> columns;
+  for (const std::string_view name : fields) {
+    if (result_ == nullptr)
+      throw DatabaseError("field '" + std::string(name) + "' is located in a query that is closed", sql_);
+    columns.push_back(result_->ColumnIndex(name));
+    if (columns.back() < 0) throw DatabaseError("there is no field '" + std::string(name) + "'", sql_);
   }
-  if (fields.size() != values.size()) {
-    throw DatabaseError(
-        "fields '" + listed() + "' are located with " + std::to_string(values.size()) + " values", sql_);
-  }
-  if (fields.size() > columns.size())
-    throw DatabaseError("too many fields are located: '" + listed() + "'", sql_);
-  const int row = result_->Find(std::span(columns).first(fields.size()), values);
+  return columns;
+}
+
+bool Query::Locate(std::span<const int> columns, std::span<const KeyView> values) {
+  const int row = OpenResult().Find(columns, values);
   if (row < 0) return false;
   row_ = row;
   bof_ = eof_ = false;
   return true;
+}
+
+std::shared_ptr<const ResultColumns> Query::Columns() const {
+  return result_ == nullptr ? nullptr : result_->Columns();
 }
 
 }  // namespace excelexp

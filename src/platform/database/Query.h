@@ -66,6 +66,8 @@ class Query {
   void Next();
   void Prior();
   void Last();
+  /// Which row it stands on, from 0.
+  int RowIndex() const { return row_; }
   bool Bof() const { return bof_; }
   bool Eof() const { return eof_; }
   /// 0 for a closed query.
@@ -82,7 +84,13 @@ class Query {
   /// or an unknown field.
   bool Locate(std::string_view fields, std::span<const KeyValue> values);
   bool Locate(std::string_view field, const KeyValue& value) { return Locate(field, std::span(&value, 1)); }
-  bool Locate(std::span<const std::string_view> fields, std::span<const KeyView> values);
+
+  /// The same in two steps, for one search after the other: the columns of the fields, which stand for every
+  /// result of the same Columns(), and the search.
+  std::vector<int> ColumnsOf(std::span<const std::string_view> fields) const;
+  bool Locate(std::span<const int> columns, std::span<const KeyView> values);
+  /// nullptr for a closed query.
+  std::shared_ptr<const ResultColumns> Columns() const;
 
  private:
   friend class Field;

@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -17,14 +16,27 @@
 namespace excelexp {
 namespace {
 
+constexpr std::size_t kMostKeys = 16;  // of one search
+
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
   return hash;
 }
 
+std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, count);
+  return word;
+}
+
+// Keys are short: a word at a time beats a hash for long texts.
 std::size_t Combine(std::size_t hash, std::string_view text) {
-  return (std::rotl(hash, 5) ^ std::hash<std::string_view>{}(text)) * 0x9e3779b97f4a7c15u;
+  constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
+  hash = (std::rotl(hash, 5) ^ text.size()) * kOdd;
+  for (; text.size() > 8; text.remove_prefix(8)) hash = (hash ^ LoadBytes(text.data(), 8)) * kOdd;
+  hash = (hash ^ LoadBytes(text.data(), text.size())) * kOdd;
+  return hash ^ hash >> 32;
 }
 
 std::string_view TrimLeft(std::string_view text) {
@@ -238,8 +250,13 @@ int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyView> k
   for (std::size_t slot = hash & mask; index.slots[slot] != 0; slot = (slot + 1) & mask) {
     const std::size_t row = index.slots[slot] - 1;
     bool same = true;
-    for (std::size_t i = 0; same && i < columns.size(); ++i)
-      same = AsView(AtUnchecked(row, static_cast<std::size_t>(columns[i])), buffer) == texts[i];
+    for (std::size_t i = 0; same && i < columns.size(); ++i) {
+      const Value value = AtUnchecked(row, static_cast<std::size_t>(columns[i]));
+      const auto* number = std::get_if<std::int64_t>(&keys[i]);
+      same = number != nullptr && value.kind == Kind::kInteger
+                 ? static_cast<std::int64_t>(value.bits) == *number
+                 : AsView(value, buffer) == texts[i];
+    }
     if (same) return static_cast<int>(row);
   }
   return -1;

@@ -64,8 +64,6 @@ class ResultColumns {
 /// have throws std::out_of_range.
 class ResultSet {
  public:
-  static constexpr std::size_t kMostKeys = 16;  ///< of one search
-
   enum class Missing { kRows, kColumns };
   /// The same result with all of its rows (and the same columns at least), or with everything.
   using Fetch = std::function<std::shared_ptr<const ResultSet>(Missing)>;
@@ -78,6 +76,7 @@ class ResultSet {
     return static_cast<int>(has_more_rows_ ? Rest(Missing::kRows).row_count_ : row_count_);
   }
   bool IsEmpty() const { return row_count_ == 0; }
+  const std::shared_ptr<const ResultColumns>& Columns() const { return columns_; }
   int ColumnCount() const { return columns_->Count(); }
   const std::string& ColumnName(int column) const { return columns_->Name(column); }
   /// -1 when there is no such column.

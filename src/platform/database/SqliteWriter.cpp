@@ -75,6 +75,9 @@ struct SqliteWriter::Impl {
     // Changed pages stay in memory until the commit: writing some of them earlier would lock the readers of
     // a rollback-journal file out in the middle of the work.
     connection.Execute("PRAGMA cache_spill = OFF");
+    // What is deleted need not be overwritten on disk where that alone would cost a write: free pages of a
+    // payroll file hold nothing that its tables do not tell the same reader.
+    connection.Execute("PRAGMA secure_delete = FAST");
   }
 
   /// The statement with the values bound; rewound and free of values when the holder goes.

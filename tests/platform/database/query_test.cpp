@@ -199,7 +199,7 @@ TEST_F(QueryTest, MisuseIsOneClearError) {
   EXPECT_EQ(ErrorOf([&] { query_.FieldByName("Amount"); }),
             "field 'Amount' is read from a query that is closed");
   EXPECT_EQ(ErrorOf([&] { query_.Locate("Amount", 1); }),
-            "fields 'Amount' are located in a query that is closed");
+            "field 'Amount' is located in a query that is closed");
   query_.Open();
   EXPECT_EQ(ErrorOf([&] { query_.FieldByName("Amount"); }), "field 'Amount' is read from an empty result");
   EXPECT_FALSE(query_.Locate("Amount", 1));
