@@ -302,14 +302,14 @@ CREATE INDEX EmpSortItemOfRpt ON EmpSortItem (EmpInfoRptId, EmpSortItemOrder);
 CREATE TABLE AnlysItemSetup (
   AnlysItemSetupId varchar(40) NOT NULL PRIMARY KEY,
   AnlysItemTypeId varchar(40) NOT NULL
-);
+) WITHOUT ROWID;
 CREATE INDEX AnlysItemSetupByType ON AnlysItemSetup (AnlysItemTypeId);
 
 CREATE TABLE AnlysDispSection (
   AnlysDispSectionId varchar(40) NOT NULL PRIMARY KEY,
   AnlysDispSectionDesc varchar(80) NOT NULL DEFAULT '',
   AnlysItemSetupId varchar(40) NOT NULL REFERENCES AnlysItemSetup (AnlysItemSetupId)
-);
+) WITHOUT ROWID;
 CREATE INDEX AnlysDispSectionOfSetup ON AnlysDispSection (AnlysItemSetupId);
 
 -- Which column of the analysis record shows a component of an item type: the current value, and for
@@ -368,33 +368,33 @@ CREATE INDEX AnlysItemRecordByKey
 -- ---------------------------------------------------------------- codes: an id and what it stands for
 
 CREATE TABLE Company (CompanyId varchar(20) NOT NULL PRIMARY KEY, CompanyName varchar(120) NOT NULL,
-                      CompanyRegistrationNo varchar(40) NOT NULL DEFAULT '');
-CREATE TABLE Branch (BranchId varchar(20) NOT NULL PRIMARY KEY, BranchDesc varchar(80) NOT NULL);
-CREATE TABLE Category (CategoryId varchar(20) NOT NULL PRIMARY KEY, CategoryDesc varchar(80) NOT NULL);
-CREATE TABLE CessationCode (CessationCodeId varchar(20) NOT NULL PRIMARY KEY, CessationDesc varchar(80) NOT NULL);
-CREATE TABLE Classification (ClassificationId varchar(20) NOT NULL PRIMARY KEY, ClassificationDesc varchar(80) NOT NULL);
-CREATE TABLE Department (DepartmentId varchar(20) NOT NULL PRIMARY KEY, DepartmentDesc varchar(80) NOT NULL);
-CREATE TABLE Section (SectionId varchar(20) NOT NULL PRIMARY KEY, SectionDesc varchar(80) NOT NULL);
-CREATE TABLE Position (PositionId varchar(20) NOT NULL PRIMARY KEY, PositionDesc varchar(80) NOT NULL);
-CREATE TABLE SalaryGrade (SalaryGradeId varchar(20) NOT NULL PRIMARY KEY, SalaryGradeDesc varchar(80) NOT NULL);
-CREATE TABLE EmpLocation1 (EmpLocation1Id varchar(20) NOT NULL PRIMARY KEY, EmpLocation1Desc varchar(80) NOT NULL);
-CREATE TABLE EmpCode1 (EmpCode1Id varchar(20) NOT NULL PRIMARY KEY, EmpCode1Desc varchar(80) NOT NULL);
-CREATE TABLE EmpCode2 (EmpCode2Id varchar(20) NOT NULL PRIMARY KEY, EmpCode2Desc varchar(80) NOT NULL);
-CREATE TABLE EmpCode3 (EmpCode3Id varchar(20) NOT NULL PRIMARY KEY, EmpCode3Desc varchar(80) NOT NULL);
-CREATE TABLE EmpCode4 (EmpCode4Id varchar(20) NOT NULL PRIMARY KEY, EmpCode4Desc varchar(80) NOT NULL);
-CREATE TABLE EmpCode5 (EmpCode5Id varchar(20) NOT NULL PRIMARY KEY, EmpCode5Desc varchar(80) NOT NULL);
-CREATE TABLE MaritalStatus (MaritalStatusId varchar(20) NOT NULL PRIMARY KEY, MaritalStatusDesc varchar(80) NOT NULL);
-CREATE TABLE Race (RaceId varchar(20) NOT NULL PRIMARY KEY, RaceDesc varchar(80) NOT NULL);
-CREATE TABLE Religion (ReligionId varchar(20) NOT NULL PRIMARY KEY, ReligionDesc varchar(80) NOT NULL);
-CREATE TABLE Title (TitleId varchar(20) NOT NULL PRIMARY KEY, TitleDesc varchar(80) NOT NULL);
-CREATE TABLE BloodGroup (BloodGroupId varchar(20) NOT NULL PRIMARY KEY, BloodGroupDesc varchar(80) NOT NULL);
-CREATE TABLE IdentityType (IdentityTypeId varchar(20) NOT NULL PRIMARY KEY, IdentityTypeDesc varchar(80) NOT NULL);
-CREATE TABLE PersonalType (PersonalTypeId varchar(20) NOT NULL PRIMARY KEY, PersonalTypeDesc varchar(80) NOT NULL);
-CREATE TABLE CostCentre (CostCentreId varchar(20) NOT NULL PRIMARY KEY, CostCentreDesc varchar(80) NOT NULL);
-CREATE TABLE ShiftTeam (ShiftTeamId varchar(20) NOT NULL PRIMARY KEY, ShiftTeamDesc varchar(80) NOT NULL);
-CREATE TABLE JobCode (JobCodeId varchar(20) NOT NULL PRIMARY KEY, JobCodeDesc varchar(80) NOT NULL);
-CREATE TABLE LeaveType (LeaveTypeId varchar(20) NOT NULL PRIMARY KEY, LeaveTypeDesc varchar(80) NOT NULL);
-CREATE TABLE MovementType (MovementTypeId varchar(20) NOT NULL PRIMARY KEY, MovementTypeDesc varchar(80) NOT NULL);
+                      CompanyRegistrationNo varchar(40) NOT NULL DEFAULT '') WITHOUT ROWID;
+CREATE TABLE Branch (BranchId varchar(20) NOT NULL PRIMARY KEY, BranchDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Category (CategoryId varchar(20) NOT NULL PRIMARY KEY, CategoryDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE CessationCode (CessationCodeId varchar(20) NOT NULL PRIMARY KEY, CessationDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Classification (ClassificationId varchar(20) NOT NULL PRIMARY KEY, ClassificationDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Department (DepartmentId varchar(20) NOT NULL PRIMARY KEY, DepartmentDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Section (SectionId varchar(20) NOT NULL PRIMARY KEY, SectionDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Position (PositionId varchar(20) NOT NULL PRIMARY KEY, PositionDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE SalaryGrade (SalaryGradeId varchar(20) NOT NULL PRIMARY KEY, SalaryGradeDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpLocation1 (EmpLocation1Id varchar(20) NOT NULL PRIMARY KEY, EmpLocation1Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpCode1 (EmpCode1Id varchar(20) NOT NULL PRIMARY KEY, EmpCode1Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpCode2 (EmpCode2Id varchar(20) NOT NULL PRIMARY KEY, EmpCode2Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpCode3 (EmpCode3Id varchar(20) NOT NULL PRIMARY KEY, EmpCode3Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpCode4 (EmpCode4Id varchar(20) NOT NULL PRIMARY KEY, EmpCode4Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE EmpCode5 (EmpCode5Id varchar(20) NOT NULL PRIMARY KEY, EmpCode5Desc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE MaritalStatus (MaritalStatusId varchar(20) NOT NULL PRIMARY KEY, MaritalStatusDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Race (RaceId varchar(20) NOT NULL PRIMARY KEY, RaceDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Religion (ReligionId varchar(20) NOT NULL PRIMARY KEY, ReligionDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE Title (TitleId varchar(20) NOT NULL PRIMARY KEY, TitleDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE BloodGroup (BloodGroupId varchar(20) NOT NULL PRIMARY KEY, BloodGroupDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE IdentityType (IdentityTypeId varchar(20) NOT NULL PRIMARY KEY, IdentityTypeDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE PersonalType (PersonalTypeId varchar(20) NOT NULL PRIMARY KEY, PersonalTypeDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE CostCentre (CostCentreId varchar(20) NOT NULL PRIMARY KEY, CostCentreDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE ShiftTeam (ShiftTeamId varchar(20) NOT NULL PRIMARY KEY, ShiftTeamDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE JobCode (JobCodeId varchar(20) NOT NULL PRIMARY KEY, JobCodeDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE LeaveType (LeaveTypeId varchar(20) NOT NULL PRIMARY KEY, LeaveTypeDesc varchar(80) NOT NULL) WITHOUT ROWID;
+CREATE TABLE MovementType (MovementTypeId varchar(20) NOT NULL PRIMARY KEY, MovementTypeDesc varchar(80) NOT NULL) WITHOUT ROWID;
 
 -- ---------------------------------------------------------------- people
 
@@ -1160,10 +1160,13 @@ INSERT INTO DatabaseFunction VALUES
 -- NULL would make a report group that no condition finds again.
 INSERT INTO DatabaseFunction
   SELECT Keyed.FunctionName, 2, 'SELECT COALESCE((SELECT CASE ?2' || Cases.Texts || ' END
-    FROM Personal LEFT JOIN Employee ON Employee.PersonalSysId = Personal.PersonalSysId
-    WHERE ' || Keyed.KeyColumn || ' = ?1 ORDER BY Employee.HireDate DESC LIMIT 1), '''')'
-  FROM (SELECT 'FGetCodeDescription' AS FunctionName, 'Employee.EmployeeSysId' AS KeyColumn
-        UNION ALL SELECT 'FGetCodeDescriptionByPersonal', 'Personal.PersonalSysId') AS Keyed
+    FROM ' || Keyed.Whom || '), '''')'
+  FROM (SELECT 'FGetCodeDescription' AS FunctionName,
+               'Employee JOIN Personal ON Personal.PersonalSysId = Employee.PersonalSysId
+    WHERE Employee.EmployeeSysId = ?1' AS Whom
+        UNION ALL SELECT 'FGetCodeDescriptionByPersonal',
+               'Personal LEFT JOIN Employee ON Employee.PersonalSysId = Personal.PersonalSysId
+    WHERE Personal.PersonalSysId = ?1 ORDER BY Employee.HireDate DESC LIMIT 1') AS Keyed
        CROSS JOIN (
     SELECT group_concat(' WHEN ''' || column1 || ''' THEN (SELECT ' || column2 || ' FROM ' || column3
                         || ' WHERE ' || column3 || '.' || column4 || ' = ' || column5 || '.' || column4 || ')', '')

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/analysis/BAnalysisRptEng.h"
 #include "platform/database/SqliteWriter.h"
@@ -32,6 +33,8 @@ class SetupTableAnalysisEngine final : public BAnalysisRptEng {
   }
 
  private:
+  void DeleteRecords();
+  bool HoldsOnly(const std::vector<SqlValue>& key);
   void CopyRecords();
 
   const AnlysProjectStructure& request_;
