@@ -107,6 +107,7 @@ bool BandedFrame::PrintNonGroupingRpt() {
                         Where("PrintNonGroupingRpt"), "ExcelRptSummLvlItemQry", Rows::kOptional)) {
     return false;
   }
+  ReadMainColumns();
   Query& entities = *core_->EmpCoyBasisQry;
   int entity = 0;
   for (entities.First(); !entities.Eof(); entities.Next()) {
@@ -155,22 +156,39 @@ bool BandedFrame::PrintEmpCoyBasisInfo(int band_row) {
 }
 
 bool BandedFrame::PrintMainInfoColumn(int band_row) {
-  const DefinitionNames& names = traits_.names;
-  const auto text = [this](std::string_view name) {
-    return ExcelRptSummLvlItemQry.FieldByName(name).AsString();
-  };
+  KnownColumnItem& column = (*main_columns_)[static_cast<std::size_t>(ExcelRptSummLvlItemQry.RowIndex())];
   const std::string where = Where("PrintEmpCoyBasisInfo");
-  const std::string scheme = text("ColourSchemeId");
-  if (!cells_.OpenSchemes(scheme, where)) return false;
-  if (core_->EmpCoyBasisQry->Bof() &&
-      !cells_.WriteTitle(band_row - 1, current_col_, text(names.column_title), where)) {
+  if (!cells_.OpenSchemes(column, where)) return false;
+  if (core_->EmpCoyBasisQry->Bof() && !cells_.WriteTitle(band_row - 1, current_col_, column.title, where)) {
     return false;
   }
-  const std::string field = text(names.column_field);
-  core_->CalcFields->Search(text(names.column_field_table), field, traits_.by_employee, nullptr);
-  cells_.WriteField(core_->CalcFields->GetFieldType(), field, *core_->CurEmpCoyBasisQry, band_row,
-                    current_col_);
-  return cells_.Format(scheme, band_row, current_col_, where);
+  if (column.field_type.empty()) {
+    core_->CalcFields->Search(column.grouping, column.component, traits_.by_employee, nullptr);
+    column.field_type = core_->CalcFields->GetFieldType();
+  }
+  cells_.WriteField(column.field_type, column.component, *core_->CurEmpCoyBasisQry, band_row, current_col_);
+  return cells_.Format(column.scheme, band_row, current_col_, where);
+}
+
+void BandedFrame::ReadMainColumns() {
+  const DefinitionNames& names = traits_.names;
+  const std::string question = core_->ExcelWkSheetTitleColourSchemeId + "\n" + ExcelRptSummLvlItemQry.Sql();
+  if (const auto* known = core_->Memory->column_items.Find(question)) {
+    main_columns_ = *known;
+    return;
+  }
+  main_columns_ = std::make_shared<std::vector<KnownColumnItem>>();
+  for (ExcelRptSummLvlItemQry.First(); !ExcelRptSummLvlItemQry.Eof(); ExcelRptSummLvlItemQry.Next()) {
+    const auto text = [this](std::string_view name) {
+      return ExcelRptSummLvlItemQry.FieldByName(name).AsString();
+    };
+    KnownColumnItem& column = main_columns_->emplace_back();
+    column.grouping = text(names.column_field_table);
+    column.component = text(names.column_field);
+    column.title = text(names.column_title);
+    column.scheme = text("ColourSchemeId");
+  }
+  core_->Memory->column_items.Keep(question, main_columns_);
 }
 
 bool BandedFrame::PrintItem(WkSheetItem& item) {

@@ -67,6 +67,7 @@ class BandedFrame : public ReportFrame {
   bool GetIndividualEmpCoyBasisInfo();
   bool PrintBand();
   bool PrintEmpCoyBasisInfo(int band_row);
+  void ReadMainColumns();
   bool PrintMainInfoColumn(int band_row);
   bool PrintItem(WkSheetItem& item);
   bool PrintFinancialRpt(const std::string& report_id);
@@ -87,7 +88,8 @@ class BandedFrame : public ReportFrame {
   std::string previous_group_values_;
   bool grouped_ = false;
   int current_col_ = 1;
-  int first_data_row_ = 1;  ///< of the entity list printed last
+  int first_data_row_ = 1;                                      ///< of the entity list printed last
+  std::shared_ptr<std::vector<KnownColumnItem>> main_columns_;  // of the rows of ExcelRptSummLvlItemQry
 };
 
 }  // namespace excelexp

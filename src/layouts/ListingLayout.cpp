@@ -40,6 +40,7 @@ void ListingLayout::ReadColumnItems() {
                        .title = text("FinColItemTitle"),
                        .scheme = text("ColourSchemeId"),
                        .formula = text("FinColExcelFormula"),
+                       .field_type = "",
                        .schemes = nullptr,
                        .value = std::nullopt});
   }

@@ -63,6 +63,7 @@ struct KnownColumnItem {
   std::string title;
   std::string scheme;
   std::string formula;
+  std::string field_type;  ///< of an entity's field, once it was searched
   std::shared_ptr<SchemeSet> schemes;
   std::optional<ValueColumn> value;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
@@ -79,9 +80,11 @@ class JoinRewriter {
   }
 
  private:
+  /// A text that takes the place of `length` bytes; of none, it is inserted.
   struct Insertion {
     std::size_t position;
     std::string text;
+    std::size_t length = 0;
   };
 
   bool AtWord(std::string_view word) const { return at_ < tokens_.size() && tokens_[at_].IsWord(word); }
@@ -99,7 +102,7 @@ class JoinRewriter {
     std::size_t copied = 0;
     for (const Insertion& insertion : insertions_) {
       result.append(sql_.substr(copied, insertion.position - copied)).append(insertion.text);
-      copied = insertion.position;
+      copied = insertion.position + insertion.length;
     }
     return result.append(sql_.substr(copied));
   }
@@ -112,6 +115,8 @@ class JoinRewriter {
     while (at_ < tokens_.size() && !AtMark(')')) {
       if (AtMark('(')) {
         WalkParentheses();
+      } else if (AtWord("in") && AsksForItself(at_, from)) {
+        ++at_;
       } else if (AtWord("in") && IsTextColumnBefore(at_, from)) {
         ++at_;
         if (AtMark('(')) WalkMembersOfText();
@@ -154,6 +159,54 @@ class JoinRewriter {
     --nesting_;
   }
 
+  /// Whether the tokens of two names are the same.
+  bool SameTokens(const ColumnName& left, const ColumnName& right) const {
+    if (left.end - left.begin != right.end - right.begin) return false;
+    for (std::size_t i = 0; i < left.end - left.begin; ++i) {
+      if (!SameName(tokens_[left.begin + i].text, tokens_[right.begin + i].text)) return false;
+    }
+    return true;
+  }
+
+  /// "o.a IN (SELECT b FROM t WHERE b = o.a)" at that IN, with an integer column of an outer table o, is
+  /// written as "EXISTS (SELECT b FROM t WHERE b = o.a)": the same for every value and for NULL, and the
+  /// database makes no list for each row to look into.
+  bool AsksForItself(std::size_t in, const FromList& outer) {
+    const std::optional<ColumnName> asked = ColumnBefore(in);
+    const auto at_word = [this](std::size_t i, std::string_view word) {
+      return i < tokens_.size() && tokens_[i].IsWord(word);
+    };
+    const auto at_mark = [this](std::size_t i, char mark) {
+      return i < tokens_.size() && tokens_[i].IsMark(mark);
+    };
+    if (!asked || asked->end - asked->begin != 3 || !HasAffinity(*asked, outer, "int")) return false;
+    if (!at_mark(in + 1, '(') || !at_word(in + 2, "select")) return false;
+    const ColumnName listed{in + 3, EndOfColumnName(in + 3)};
+    const std::size_t from = listed.end;
+    if (!at_word(from, "from") || from + 1 >= tokens_.size() || !tokens_[from + 1].IsName() ||
+        !at_word(from + 2, "where")) {
+      return false;
+    }
+    if (SameName(NameOf(tokens_[from + 1]), NameOf(tokens_[asked->begin]))) return false;
+    const ColumnName compared{from + 3, EndOfColumnName(from + 3)};
+    if (!at_mark(compared.end, '=')) return false;
+    const ColumnName value{compared.end + 1, EndOfColumnName(compared.end + 1)};
+    if (!at_mark(value.end, ')') || !SameTokens(listed, compared) || !SameTokens(value, *asked)) return false;
+    const std::size_t begin = tokens_[asked->begin].begin;
+    insertions_.push_back({begin, "EXISTS", tokens_[in].End() - begin});
+    return true;
+  }
+
+  /// The column name that ends before the token, as the whole of a condition's left side.
+  std::optional<ColumnName> ColumnBefore(std::size_t end) const {
+    if (end == 0 || !tokens_[end - 1].IsName()) return std::nullopt;
+    const bool qualified = end > 2 && tokens_[end - 2].IsMark('.') && tokens_[end - 3].IsName();
+    const std::size_t begin = end - (qualified ? 3 : 1);
+    const bool whole =
+        begin > 0 && (tokens_[begin - 1].IsMark('(') || IsOneOf(tokens_[begin - 1], kBeforeCondition));
+    return whole ? std::optional(ColumnName{begin, end}) : std::nullopt;
+  }
+
   /// One past the column name that begins there; `begin` when none does.
   std::size_t EndOfColumnName(std::size_t begin) const {
     if (begin >= tokens_.size() || !tokens_[begin].IsName()) return begin;
@@ -164,14 +217,9 @@ class JoinRewriter {
 
   /// Whether "[NOT] IN" at that token follows a condition's text column.
   bool IsTextColumnBefore(std::size_t in, const FromList& from) const {
-    std::size_t end = in;
-    if (end > 0 && tokens_[end - 1].IsWord("not")) --end;
-    if (end == 0 || !tokens_[end - 1].IsName()) return false;
-    const bool qualified = end > 2 && tokens_[end - 2].IsMark('.') && tokens_[end - 3].IsName();
-    const std::size_t begin = end - (qualified ? 3 : 1);
-    const bool whole =
-        begin > 0 && (tokens_[begin - 1].IsMark('(') || IsOneOf(tokens_[begin - 1], kBeforeCondition));
-    return whole && HasAffinity({begin, end}, from, "char");
+    const bool negated = in > 0 && tokens_[in - 1].IsWord("not");
+    const std::optional<ColumnName> column = ColumnBefore(negated ? in - 1 : in);
+    return column && HasAffinity(*column, from, "char");
   }
 
   /// Whether the column is one of these tables' and its declared type contains that word.

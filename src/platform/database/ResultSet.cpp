@@ -243,7 +243,7 @@ int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyView> k
     const auto* number = std::get_if<std::int64_t>(&keys[i]);
     texts[i] = number != nullptr ? AsView({Kind::kInteger, static_cast<std::uint64_t>(*number)}, buffers[i])
                                  : std::get<std::string_view>(keys[i]);
-    hash = Combine(hash, texts[i]);
+    if (index.hashed[i]) hash = Combine(hash, texts[i]);
   }
   const std::size_t mask = index.slots.size() - 1;
   TextBuffer buffer;
@@ -270,17 +270,29 @@ const ResultSet::Index& ResultSet::IndexOver(std::span<const int> columns) const
   return *indexes_.back();
 }
 
+// A value that equals the one above it most often shares its bits; where it does not, hashing it does no
+// harm.
+bool ResultSet::Varies(std::size_t column) const {
+  for (std::size_t row = 1; row < row_count_; ++row) {
+    if (AtUnchecked(row, column).bits != AtUnchecked(0, column).bits) return true;
+  }
+  return false;
+}
+
 // Of rows with equal keys only the first is entered: it is the one that counts.
 ResultSet::Index ResultSet::BuildIndex(std::span<const int> columns) const {
   Index index;
   index.columns.assign(columns.begin(), columns.end());
+  for (const int column : columns) index.hashed.push_back(Varies(static_cast<std::size_t>(column)));
   index.slots.resize(std::bit_ceil(row_count_ * 2 + 1));
   const std::size_t mask = index.slots.size() - 1;
   TextBuffer buffer;
   for (std::size_t row = 0; row < row_count_; ++row) {
     std::size_t hash = 0;
-    for (const int column : columns)
-      hash = Combine(hash, AsView(AtUnchecked(row, static_cast<std::size_t>(column)), buffer));
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (index.hashed[i])
+        hash = Combine(hash, AsView(AtUnchecked(row, static_cast<std::size_t>(columns[i])), buffer));
+    }
     std::size_t slot = hash & mask;
     while (index.slots[slot] != 0 && !SameKeys(row, index.slots[slot] - 1, columns)) slot = (slot + 1) & mask;
     if (index.slots[slot] == 0) index.slots[slot] = static_cast<std::uint32_t>(row + 1);

@@ -130,6 +130,7 @@ class ResultSet {
   };
   struct Index {
     std::vector<int> columns;
+    std::vector<bool> hashed;          // of each column: whether its values tell rows apart
     std::vector<std::uint32_t> slots;  // row + 1, or 0; a power of two of them
   };
   static constexpr std::size_t kBlockShift = 10;
@@ -154,6 +155,7 @@ class ResultSet {
 
   int FindHere(std::span<const int> columns, std::span<const KeyView> keys) const;
   const Index& IndexOver(std::span<const int> columns) const;
+  bool Varies(std::size_t column) const;
   Index BuildIndex(std::span<const int> columns) const;
   bool SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const;
 

@@ -14,9 +14,10 @@
 namespace excelexp {
 namespace {
 
-constexpr std::size_t kMaxValueBytes = 16u << 20;  // all remembered values of a connection
-constexpr std::size_t kValueOverhead = 160;        // map node and value object
-constexpr int kMaxDepth = 32;                      // functions that call functions
+constexpr std::size_t kMaxValueBytes = 4u << 20;  // all remembered values of a connection
+constexpr std::size_t kValuesOnTrial = 500;       // of a function, before its hits count
+constexpr std::size_t kValueOverhead = 160;       // map node and value object
+constexpr int kMaxDepth = 32;                     // functions that call functions
 constexpr int kMaxArguments = 100;
 
 constexpr char kDefinitionsSql[] =
@@ -128,6 +129,7 @@ void StoredFunctions::Forget() {
   for (const std::unique_ptr<Function>& function : functions_) {
     function->idle.clear();
     function->values.clear();
+    function->hits = 0;
   }
   value_bytes_ = 0;
 }
@@ -148,9 +150,15 @@ void StoredFunctions::OnCall(sqlite3_context* context, int count, sqlite3_value*
 
 void StoredFunctions::Call(Function& function, sqlite3_context* context, int count,
                            sqlite3_value** arguments) {
-  std::string key = KeyOf(count, arguments);
-  if (const auto known = function.values.find(key); known != function.values.end())
-    return Answer(context, known->second.get());
+  const bool remembers = function.values.size() < kValuesOnTrial || function.hits >= function.values.size();
+  std::optional<std::string> key;
+  if (remembers) {
+    key = KeyOf(count, arguments);
+    if (const auto known = function.values.find(*key); known != function.values.end()) {
+      ++function.hits;
+      return Answer(context, known->second.get());
+    }
+  }
   if (depth_ >= kMaxDepth)
     throw DatabaseError("functions call each other too deeply", function.definition.sql);
   ++depth_;
@@ -167,7 +175,7 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
 }
 
 void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int count,
-                               sqlite3_value** arguments, std::string key) {
+                               sqlite3_value** arguments, std::optional<std::string> key) {
   CompiledQuery query = Take(function);
   sqlite3_stmt* const statement = query.statement.get();
   for (int i = 0; i < count; ++i) sqlite3_bind_value(statement, i + 1, arguments[i]);
@@ -179,16 +187,16 @@ void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int
   sqlite3_reset(statement);
   sqlite3_clear_bindings(statement);
   function.idle.push_back(std::move(query));
-  if (met_volatile_) return;
+  if (met_volatile_ || !key) return;
   const int type = value == nullptr ? SQLITE_NULL : sqlite3_value_type(value.get());
   const bool is_long = type == SQLITE_TEXT || type == SQLITE_BLOB;
-  const std::size_t bytes = key.size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;
+  const std::size_t bytes = key->size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;
   if (value_bytes_ + bytes > kMaxValueBytes) {
     for (const std::unique_ptr<Function>& each : functions_) each->values.clear();
     value_bytes_ = 0;
   }
   value_bytes_ += bytes;
-  function.values.emplace(std::move(key), std::move(value));
+  function.values.emplace(*std::move(key), std::move(value));
 }
 
 CompiledQuery StoredFunctions::Take(Function& function) {

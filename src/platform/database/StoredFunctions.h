@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -26,7 +27,8 @@ struct CompiledQuery {
 /// DatabaseFunction(FunctionName, ArgumentCount, FunctionSql) becomes a scalar function whose value is the
 /// first column of the first row of its SELECT, or NULL when there is no row. ?1, ?2, ... are the arguments.
 ///
-/// Values are remembered per arguments until Forget, unless the SELECT asks for something volatile.
+/// Values are remembered per arguments until Forget, unless the SELECT asks for something volatile, or hardly
+/// any of a function's values is asked for again.
 class StoredFunctions {
  public:
   /// `compile` compiles a SELECT of the dialect under the guard.
@@ -62,6 +64,7 @@ class StoredFunctions {
     Definition definition;
     std::vector<CompiledQuery> idle;  // more than one when the function calls itself
     std::unordered_map<std::string, std::unique_ptr<sqlite3_value, ValueFreer>> values;
+    std::size_t hits = 0;
   };
 
   std::vector<Definition> ReadDefinitions() const;
@@ -70,7 +73,7 @@ class StoredFunctions {
   static void OnCall(sqlite3_context* context, int count, sqlite3_value** arguments);
   void Call(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments);
   void Evaluate(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments,
-                std::string key);
+                std::optional<std::string> key);
   CompiledQuery Take(Function& function);
 
   SqliteConnection& connection_;

@@ -20,6 +20,8 @@ void LogDigest::WriteLine(std::string_view line) {
 
 namespace {
 
+constexpr std::size_t kBufferBytes = 64 << 10;  // a month-end writes twenty megabytes of log
+
 /// A log of an earlier run keeps the mode that it has when it is opened. Terminals and pipes keep theirs.
 void CloseToOthers(int descriptor) {
   struct stat status {};
@@ -32,6 +34,7 @@ FileLineSink::FileLineSink(const std::string& file) : file_(file), stream_(nullp
   const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (descriptor >= 0) CloseToOthers(descriptor);
   if (descriptor >= 0) stream_ = ::fdopen(descriptor, "w");
+  if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, kBufferBytes);
   if (stream_ == nullptr) {
     const int reason = errno;
     if (descriptor >= 0) ::close(descriptor);

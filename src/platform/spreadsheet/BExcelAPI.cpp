@@ -10,6 +10,7 @@
 #include "platform/spreadsheet/WorkbookFile.h"
 #include "platform/spreadsheet/formula/Expression.h"
 #include "platform/spreadsheet/formula/Recalculate.h"
+#include "platform/spreadsheet/formula/RelativeText.h"
 
 namespace excelexp {
 namespace {
@@ -139,8 +140,15 @@ double NumberWithin(const Variant& value, const Target& target, const char* what
 
 Formula MakeFormula(const Target& target, const std::string& text) {
   try {
-    Formula formula;
-    formula.expression = formula::Parse(text);
+    const CellRange& cell = target.range;
+    std::optional<std::string> relative = formula::RelativeText(text, cell.first_row, cell.first_col);
+    Formula formula =
+        relative ? target.workbook.SharedFormula(*relative, cell.first_row, cell.first_col) : Formula();
+    if (formula.expression == nullptr) {
+      formula.expression = formula::Parse(text);
+      if (relative)
+        target.workbook.ShareFormula(*std::move(relative), formula, cell.first_row, cell.first_col);
+    }
     formula.text = text.starts_with('=') ? text : "=" + text;
     return formula;
   } catch (const formula::ParseError& error) {
@@ -152,7 +160,7 @@ Formula MakeFormula(const Target& target, const std::string& text) {
 Formula MovedFormula(const Formula& formula, int rows, int columns) {
   if (rows == 0 && columns == 0) return formula;
   Formula moved;
-  moved.expression = formula::Moved(*formula.expression, rows, columns);
+  moved.expression = formula::Moved(*formula::ExpressionOf(formula), rows, columns);
   moved.text = "=" + formula::Print(*moved.expression);
   return moved;
 }

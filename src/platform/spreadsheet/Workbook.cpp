@@ -7,6 +7,7 @@
 #include <bit>
 #include <deque>
 #include <functional>
+#include <unordered_map>
 
 #include "platform/spreadsheet/FormatChange.h"
 #include "platform/spreadsheet/InternPool.h"
@@ -14,6 +15,10 @@
 
 namespace excelexp {
 namespace {
+
+// A report has some dozens of formulas that differ by more than their places; totals of many ranges are all
+// different and not worth remembering.
+constexpr std::size_t kMostShared = 4096;
 
 gunichar Folded(char32_t character) {
   return g_unichar_tolower(g_unichar_toupper(character));
@@ -113,6 +118,17 @@ struct Transition {
   FormatId to = 0;
 };
 
+/// An expression and the cell it was parsed for.
+struct SharedExpression {
+  std::shared_ptr<const formula::Expression> expression;
+  int row;
+  int column;
+};
+
+struct TransparentTextHash : TextHash {
+  using is_transparent = void;
+};
+
 struct Workbook::Pools {
   InternPool<std::string, TextHash> texts;
   InternPool<std::string, TextHash> names;
@@ -120,6 +136,8 @@ struct Workbook::Pools {
   InternPool<CellFormat, CellFormatHash> formats;
   std::deque<std::vector<FormatChange>> changes;
   std::deque<Formula> formulas;
+  std::unordered_map<std::string, SharedExpression, TransparentTextHash, std::equal_to<>>
+      shared;  // by relative text
 };
 
 Workbook::Workbook() : pools_(std::make_unique<Pools>()) {
@@ -182,6 +200,21 @@ std::uint32_t Workbook::AddChanges(std::vector<FormatChange> changes) {
 }
 const std::vector<FormatChange>& Workbook::Changes(std::uint32_t index) const {
   return pools_->changes[index];
+}
+
+Formula Workbook::SharedFormula(std::string_view relative_text, int row, int column) const {
+  Formula formula;
+  const auto known = pools_->shared.find(relative_text);
+  if (known == pools_->shared.end()) return formula;
+  formula.expression = known->second.expression;
+  formula.rows_moved = row - known->second.row;
+  formula.columns_moved = column - known->second.column;
+  return formula;
+}
+
+void Workbook::ShareFormula(std::string relative_text, const Formula& formula, int row, int column) {
+  if (pools_->shared.size() >= kMostShared) return;
+  pools_->shared.emplace(std::move(relative_text), SharedExpression{formula.expression, row, column});
 }
 
 std::uint32_t Workbook::AddFormula(Formula formula) {

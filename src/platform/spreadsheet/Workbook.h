@@ -92,8 +92,12 @@ struct FormulaResult {
 
 struct Formula {
   std::string text;  ///< as given, with the leading "="
+  /// The parsed text. Formulas that say the same of different cells share one: its relative references are to
+  /// be moved by so many rows and columns (formula::ExpressionOf).
   std::shared_ptr<const formula::Expression> expression;
-  FormulaResult result;
+  FormulaResult result = {};
+  int rows_moved = 0;
+  int columns_moved = 0;
 };
 
 /// Whether two sheet names are the same without regard to case, by Unicode's simple case mappings.
@@ -211,6 +215,11 @@ class Workbook {
   /// Changes that are made together, numbered for FormatChange.
   std::uint32_t AddChanges(std::vector<FormatChange> changes);
   const std::vector<FormatChange>& Changes(std::uint32_t index) const;
+
+  /// The expression of a formula that stands in that cell, when one of the same relative text is known, and
+  /// the moves to it; else an empty formula.
+  Formula SharedFormula(std::string_view relative_text, int row, int column) const;
+  void ShareFormula(std::string relative_text, const Formula& formula, int row, int column);
 
   std::uint32_t AddFormula(Formula formula);
   Formula& FormulaAt(std::uint32_t index);

@@ -135,31 +135,57 @@ TEST(Dialect, JoinsWithoutOnFollowTheDeclaredKey) {
   }
 }
 
-/// What the rewriter makes of conditions on Records(Id char, Name char) and People(Id int, Code char).
-TEST(Dialect, ATextIsLookedForAmongIntegersAsText) {
+/// A condition on Records(Basis1Id char, Year int) and People(PersonId int, Code char), and what the rewriter
+/// makes of it; "" where it leaves it alone.
+using Condition = std::pair<std::string, std::string>;
+
+void ExpectRewritten(const std::vector<Condition>& conditions) {
   const TableShape records{"Records", {{"Basis1Id", "varchar(40)"}, {"Year", "integer"}}, {}};
   const TableShape people{"People", {{"PersonId", "integer"}, {"Code", "varchar(10)"}}, {}};
   const FindTable find = [&](std::string_view name) -> const TableShape* {
     return SameName(name, "Records") ? &records : SameName(name, "People") ? &people : nullptr;
   };
   const std::string from = "SELECT * FROM Records WHERE ";
-  const std::string cast = "CAST(PersonId AS TEXT)";
-  const std::vector<std::pair<std::string, std::string>> rows = {
-      {"Basis1Id IN (SELECT PersonId FROM People)", "Basis1Id IN (SELECT " + cast + " FROM People)"},
-      {"Year = 1 AND records.basis1id not in  ( select distinct People.PersonId from People WHERE 1)",
-       "Year = 1 AND records.basis1id not in  ( select distinct CAST(People.PersonId AS TEXT) from People "
-       "WHERE 1)"},
-      {"Year IN (SELECT PersonId FROM People)", ""},
-      {"Basis1Id IN (SELECT Code FROM People)", ""},
-      {"Basis1Id IN (SELECT PersonId + 1 FROM People)", ""},
-      {"Basis1Id IN (SELECT PersonId FROM People UNION SELECT 'x')", ""},
-      {"Basis1Id IN (SELECT PersonId FROM (SELECT PersonId FROM People) AS D)", ""},
-      {"Basis1Id || 'x' IN (SELECT PersonId FROM People)", ""},
-      {"'a' || Basis1Id IN (SELECT PersonId FROM People)", ""},
-      {"Basis1Id IN ('1', '2')", ""},
-      {"Basis1Id IN (SELECT", ""}};
-  for (const auto& [condition, rewritten] : rows)
+  for (const auto& [condition, rewritten] : conditions)
     EXPECT_EQ(RewriteSql(from + condition, find), from + (rewritten.empty() ? condition : rewritten));
+}
+
+TEST(Dialect, ATextIsLookedForAmongIntegersAsText) {
+  const std::string cast = "CAST(PersonId AS TEXT)";
+  ExpectRewritten(
+      {{"Basis1Id IN (SELECT PersonId FROM People)", "Basis1Id IN (SELECT " + cast + " FROM People)"},
+       {"Year = 1 AND records.basis1id not in  ( select distinct People.PersonId from People WHERE 1)",
+        "Year = 1 AND records.basis1id not in  ( select distinct CAST(People.PersonId AS TEXT) from People "
+        "WHERE 1)"},
+       {"Year IN (SELECT PersonId FROM People)", ""},
+       {"Basis1Id IN (SELECT Code FROM People)", ""},
+       {"Basis1Id IN (SELECT PersonId + 1 FROM People)", ""},
+       {"Basis1Id IN (SELECT PersonId FROM People UNION SELECT 'x')", ""},
+       {"Basis1Id IN (SELECT PersonId FROM (SELECT PersonId FROM People) AS D)", ""},
+       {"Basis1Id || 'x' IN (SELECT PersonId FROM People)", ""},
+       {"'a' || Basis1Id IN (SELECT PersonId FROM People)", ""},
+       {"Basis1Id IN ('1', '2')", ""},
+       {"Basis1Id IN (SELECT", ""}});
+}
+
+TEST(Dialect, AListOfTheValueItselfIsAskedForExistence) {
+  ExpectRewritten({
+      {"Records.Year IN (SELECT PersonId FROM People WHERE PersonId = Records.Year)",
+       "EXISTS (SELECT PersonId FROM People WHERE PersonId = Records.Year)"},
+      {"1 AND records.year  in(SELECT PersonId FROM People WHERE personid=RECORDS.YEAR) AND Year = 2",
+       "1 AND EXISTS(SELECT PersonId FROM People WHERE personid=RECORDS.YEAR) AND Year = 2"},
+      // Without a table the value could be a column of the inner one; so it could with the inner one's name.
+      {"Year IN (SELECT PersonId FROM People WHERE PersonId = Year)", ""},
+      {"Records.Year IN (SELECT Year FROM Records WHERE Year = Records.Year)", ""},
+      {"Records.Year NOT IN (SELECT PersonId FROM People WHERE PersonId = Records.Year)", ""},
+      {"Records.Year IN (SELECT PersonId FROM People WHERE PersonId = Records.Year OR 1)", ""},
+      {"Records.Year IN (SELECT PersonId FROM People WHERE Code = Records.Year)", ""},
+      {"Records.Year IN (SELECT PersonId FROM People WHERE PersonId = Records.Year + 1)", ""},
+      {"Records.Year IN (SELECT PersonId FROM People)", ""},
+      // Texts may be compared in more ways than one.
+      {"Records.Basis1Id IN (SELECT Code FROM People WHERE Code = Records.Basis1Id)", ""},
+      {"Records.Year + Records.Year IN (SELECT PersonId FROM People WHERE PersonId = Records.Year)", ""},
+  });
 }
 
 TEST(Dialect, NoKeyOrTwoKeysNameTheTables) {

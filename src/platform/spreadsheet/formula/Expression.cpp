@@ -88,4 +88,9 @@ std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, 
   return std::make_shared<Expression>(std::move(root));
 }
 
+std::shared_ptr<const Expression> ExpressionOf(const Formula& formula) {
+  const bool moved = formula.rows_moved != 0 || formula.columns_moved != 0;
+  return moved ? Moved(*formula.expression, formula.rows_moved, formula.columns_moved) : formula.expression;
+}
+
 }  // namespace excelexp::formula

@@ -121,4 +121,7 @@ std::string Print(const Node& node, NameStyle style = NameStyle::kShown);
 /// sheet becomes #REF!.
 std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, int columns);
 
+/// The formula's own expression: the shared one, or a moved copy of it.
+std::shared_ptr<const Expression> ExpressionOf(const Formula& formula);
+
 }  // namespace excelexp::formula

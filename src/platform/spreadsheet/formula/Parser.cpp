@@ -225,8 +225,6 @@ class Parser {
   }
 
   NodePointer ParseReference() {
-    auto node = std::make_unique<Node>();
-    node->type = NodeType::kReference;
     const std::optional<ReadReference> sheets = ReadSheetPrefix(Rest());
     if (sheets) at_ += sheets->length;
     std::optional<ReadReference> cells = ReadCells(Rest());
@@ -236,6 +234,8 @@ class Parser {
       Fail("a cell is expected after the sheet name");
     }
     at_ += cells->length;
+    auto node = std::make_unique<Node>();
+    node->type = NodeType::kReference;
     node->reference = std::move(cells->reference);
     if (sheets) {
       node->reference.sheet = sheets->reference.sheet;

@@ -69,10 +69,10 @@ class Recalculation : public ResultSource {
   }
 
   void Try(std::uint32_t formula) {
-    const std::shared_ptr<const Expression>& expression = workbook_.FormulaAt(formula).expression;
-    if (expression == nullptr) return Finish(formula, {});
+    const Formula& computed = workbook_.FormulaAt(formula);
+    if (computed.expression == nullptr) return Finish(formula, {});
     missing_.clear();
-    std::optional<FormulaResult> result = evaluator_.Run(*expression, places_[formula]);
+    std::optional<FormulaResult> result = evaluator_.Run(*ExpressionOf(computed), places_[formula]);
     if (result) return Finish(formula, std::move(*result));
     for (const std::uint32_t needed : missing_) {
       if (states_[needed] == State::kWaiting) return BreakCycle(needed);

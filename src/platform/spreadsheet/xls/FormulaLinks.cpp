@@ -52,7 +52,7 @@ void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& posi
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
     const formula::FittedFormula fitted =
-        formula::FitFormula(formula.expression, formula::kXlsLimits, position);
+        formula::FitFormula(formula::ExpressionOf(formula), formula::kXlsLimits, position);
     for (const formula::HiddenName& name : fitted.names) {
       Define(
           {name.name, kHidden, formula::EncodeTokens(*name.expression, *this, formula::FormulaPlace::kName)});

@@ -204,7 +204,7 @@ class SheetWriter {
   }
 
   std::string StoredText(const Formula& formula) {
-    formula::FittedFormula fitted = formula::FitFormula(formula.expression, formula::kXlsxLimits,
+    formula::FittedFormula fitted = formula::FitFormula(formula::ExpressionOf(formula), formula::kXlsxLimits,
                                                         {number_, sheet_.Name(), row_, column_});
     std::move(fitted.names.begin(), fitted.names.end(), std::back_inserter(context_.names));
     return formula::Print(*fitted.expression, formula::NameStyle::kStored);

@@ -1,0 +1,71 @@
+#include "platform/spreadsheet/formula/RelativeText.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/spreadsheet/BExcelAPI.h"
+#include "platform/spreadsheet/formula/Expression.h"
+
+namespace excelexp::formula {
+namespace {
+
+TEST(RelativeText, TellsApartWhatParsesDifferently) {
+  struct Case {
+    const char* in_c7;
+    const char* in_e10;
+    bool same;
+  };
+  const Case cases[] = {
+      {"=A7+B7", "=C10+D10", true},
+      {"=A7+B7", "=A7+B7", false},
+      {"=$A7+B$2", "=$A10+D$2", true},
+      {"=$A$1", "=A1", false},
+      {"=SUM(C1:C6)", "=SUM(E4:E9)", true},
+      {"=SUM(C1:C6)", "=SUM(E3:E9)", false},
+      {"=SUM(C6:C6)", "=SUM(E9)", false},
+      {"=SUM(A:A)", "=SUM(C:C)", true},
+      {"=LOG10(A7)", "=LOG10(C10)", true},
+      {"=LOG10(A7)", "=LOG11(C10)", false},
+      {"=A7+1.5E8", "=C10+1.5E8", true},
+      {"=A7+1", "=C10+2", false},
+      {"=A7&\"A7\"", "=C10&\"A7\"", true},
+      {"=A7&\"A7\"", "=C10&\"C10\"", false},
+      {"=A7&\"a\"\"b\"", "=C10&\"a\"\"b\"", true},
+      {"=TAX2024X+A7", "=TAX2024X+C10", true},
+      {"=_A7+B7", "=_A7+D10", true},
+      {"=A7:B7 B1:B9", "=C10:D10 D4:D12", true},
+  };
+  for (const Case& c : cases) {
+    const auto first = RelativeText(c.in_c7, 7, 3);
+    const auto second = RelativeText(c.in_e10, 10, 5);
+    ASSERT_TRUE(first && second) << c.in_c7;
+    EXPECT_EQ(*first == *second, c.same) << c.in_c7 << " and " << c.in_e10;
+    const bool equal_when_moved = Print(*Moved(*Parse(c.in_c7), 3, 2)) == Print(*Parse(c.in_e10));
+    EXPECT_EQ(equal_when_moved, c.same) << c.in_c7 << " and " << c.in_e10;
+  }
+  for (const char* formula : {"=Sheet2!A1", "='My sheet'!A1", "=A1\n+B1"})
+    EXPECT_EQ(RelativeText(formula, 1, 1), std::nullopt) << formula;
+}
+
+/// Formulas of a column share what is parsed; each still says, computes and moves what was written for its
+/// cell.
+TEST(RelativeText, SharedFormulasAreTheirOwn) {
+  BExcelAPI api;
+  const Handle workbook = api.CreateWorkbook(1);
+  const auto formula_at = [&](int row, int column) -> const Formula& {
+    const Cell* cell = workbook.Get()->FindSheet("Sheet1")->Find(row, column);
+    return workbook.Get()->FormulaAt(cell->formula);
+  };
+  for (int row = 1; row <= 3; ++row) {
+    const std::string r = std::to_string(row);
+    api.FormulaOnRange(workbook, "Sheet1", "C" + r, "=A" + r + "*$B$1+ROW()");
+  }
+  api.FormulaOnRange(workbook, "Sheet1", "D5:D6", "=B5*$B$1+ROW()");
+  EXPECT_EQ(formula_at(3, 3).expression, formula_at(1, 3).expression);
+  EXPECT_EQ(Print(*ExpressionOf(formula_at(3, 3))), "A3*$B$1+ROW()");
+  EXPECT_EQ(formula_at(3, 3).text, "=A3*$B$1+ROW()");
+  EXPECT_EQ(Print(*ExpressionOf(formula_at(6, 4))), "B6*$B$1+ROW()");
+  EXPECT_EQ(formula_at(6, 4).text, "=B6*$B$1+ROW()");
+}
+
+}  // namespace
+}  // namespace excelexp::formula
