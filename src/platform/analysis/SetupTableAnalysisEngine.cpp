@@ -65,7 +65,7 @@ SetupTableAnalysisEngine::SetupTableAnalysisEngine(const AnlysProjectStructure& 
 
 int SetupTableAnalysisEngine::ExecuteOperation() {
   try {
-    writer_->Transaction([this] {
+    writer_->BulkTransaction([this] {
       DeleteRecords();
       CopyRecords();
     });
@@ -77,7 +77,7 @@ int SetupTableAnalysisEngine::ExecuteOperation() {
 }
 
 void SetupTableAnalysisEngine::DeleteOperation() {
-  writer_->Transaction([this] { DeleteRecords(); });
+  writer_->BulkTransaction([this] { DeleteRecords(); });
 }
 
 void SetupTableAnalysisEngine::DeleteRecords() {

@@ -129,7 +129,8 @@ bool SqliteConnection::IsCancelled() noexcept {
 
 int SqliteConnection::OnBusy(void* self, int attempt) {
   auto& connection = *static_cast<SqliteConnection*>(self);
-  if (attempt * kBusyPauseMs >= connection.busy_timeout_ms_ || connection.IsCancelled()) return 0;
+  const bool patient = connection.waits_ && attempt * kBusyPauseMs < connection.busy_timeout_ms_;
+  if (!patient || connection.IsCancelled()) return 0;
   std::this_thread::sleep_for(std::chrono::milliseconds(kBusyPauseMs));
   return 1;
 }

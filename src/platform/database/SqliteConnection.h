@@ -48,6 +48,20 @@ class SqliteConnection {
 
   [[noreturn]] void Fail(int code, const std::string& sent) const;
 
+  /// While one lives, no lock is waited for.
+  class Impatience {
+   public:
+    explicit Impatience(SqliteConnection& connection) : connection_(connection) {
+      connection_.waits_ = false;
+    }
+    ~Impatience() { connection_.waits_ = true; }
+    Impatience(const Impatience&) = delete;
+    Impatience& operator=(const Impatience&) = delete;
+
+   private:
+    SqliteConnection& connection_;
+  };
+
   /// Begins a statement that a caller sees as one: NOW() gives one moment, and memory is counted, until the
   /// next call.
   void BeginStatement();
@@ -64,6 +78,7 @@ class SqliteConnection {
   sqlite3* handle_ = nullptr;
   std::string file_;
   int busy_timeout_ms_;
+  bool waits_ = true;
   Hooks hooks_;
   bool moment_taken_ = false;
   DateTime moment_;

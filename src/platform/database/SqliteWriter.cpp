@@ -158,6 +158,27 @@ std::vector<std::vector<SqlValue>> SqliteWriter::Rows(const std::string& sql,
   return rows;
 }
 
+void SqliteWriter::BulkTransaction(const std::function<void()>& work) {
+  // Pages leave memory only while nobody reads the file. Our own readers give way now; another program's
+  // reader is not waited for at each page, for then the pages stay in memory.
+  DatabaseRegistry::NoteWrite();
+  SqliteConnection& connection = impl_->connection;
+  connection.Execute("PRAGMA cache_spill = ON; PRAGMA cache_size = -16384");
+  const auto end = [&connection] {
+    connection.Execute("PRAGMA cache_spill = OFF; PRAGMA cache_size = -2000");
+  };
+  try {
+    Transaction([&] {
+      const SqliteConnection::Impatience impatience(connection);
+      work();
+    });
+  } catch (...) {
+    end();
+    throw;
+  }
+  end();
+}
+
 void SqliteWriter::Transaction(const std::function<void()>& work) {
   if (impl_->in_transaction) throw DatabaseError("a transaction is begun inside another", "");
   impl_->connection.Execute("BEGIN IMMEDIATE");

@@ -38,6 +38,10 @@ class SqliteWriter {
 
   /// Runs `work` inside one immediate transaction: committed when it returns, rolled back when it throws.
   void Transaction(const std::function<void()>& work);
+  /// The same for work that changes more than fits into memory well: changed pages may be written before the
+  /// commit (to be taken back when it fails), and from the first of them until then nobody can read the file.
+  /// The work must not read through another connection.
+  void BulkTransaction(const std::function<void()>& work);
 
   /// Asked while a statement runs; true stops it with a DatabaseError.
   void SetCancelled(std::function<bool()> cancelled);
