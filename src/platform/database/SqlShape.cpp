@@ -31,69 +31,6 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-bool IsWholeNumber(std::string_view text) {
-  return text.size() <= kMostDigits && std::ranges::all_of(text, IsDigit);
-}
-
-bool IsValue(const SqlToken& token) {
-  if (token.kind == SqlToken::Kind::kNumber) return IsWholeNumber(token.text);
-  return token.kind == SqlToken::Kind::kString && token.text.size() > 1 && token.text.front() == '\'' &&
-         token.text.back() == '\'';
-}
-
-/// Walks the tokens once and tells which are comparands.
-class Comparands {
- public:
-  explicit Comparands(const std::vector<SqlToken>& tokens) : tokens_(tokens) {}
-
-  std::vector<std::size_t> Find() {
-    std::vector<std::size_t> found;
-    for (std::size_t i = 0; i < tokens_.size(); ++i) {
-      if (IsParameter(tokens_[i])) return {};
-      Follow(tokens_[i]);
-      if (in_condition_.back() && StandsAlone(i)) found.push_back(i);
-    }
-    return found.size() > kMostComparands ? std::vector<std::size_t>{} : found;
-  }
-
- private:
-  static bool IsParameter(const SqlToken& token) {
-    return token.IsMark('?') || token.IsMark(':') || token.IsMark('@') || token.IsMark('$');
-  }
-
-  void Follow(const SqlToken& token) {
-    if (token.IsMark('(')) {
-      in_condition_.push_back(false);
-    } else if (token.IsMark(')')) {
-      if (in_condition_.size() > 1) in_condition_.pop_back();
-    } else if (token.IsWord("where")) {
-      in_condition_.back() = true;
-    } else if (IsOneOf(token, kEndsCondition)) {
-      in_condition_.back() = false;
-    }
-  }
-
-  bool StandsAlone(std::size_t i) const {
-    const bool behind_column = i > 2 && tokens_[i - 1].IsMark('=') && tokens_[i - 2].IsName();
-    const bool ends =
-        i + 1 == tokens_.size() || tokens_[i + 1].IsMark(')') || IsOneOf(tokens_[i + 1], kFollowsComparand);
-    return behind_column && ends && IsValue(tokens_[i]);
-  }
-
-  const std::vector<SqlToken>& tokens_;
-  std::vector<bool> in_condition_ = {false};
-};
-
-bool IsPlainSelect(const std::vector<SqlToken>& tokens) {
-  if (tokens.empty() || !tokens.front().IsWord("select")) return false;
-  int depth = 0;
-  for (const SqlToken& token : tokens) {
-    depth += token.IsMark('(') ? 1 : token.IsMark(')') ? -1 : 0;
-    if (depth == 0 && IsOneOf(token, kNotPlain)) return false;
-  }
-  return true;
-}
-
 /// Takes the text literal at the front of `rest`, its quotes included; false when there is none.
 bool TakeText(std::string_view& rest, SqlComparand& value) {
   if (!rest.starts_with('\'')) return false;
@@ -117,6 +54,76 @@ bool TakeNumber(std::string_view& rest, SqlComparand& value) {
   value = {};
   std::from_chars(rest.data(), rest.data() + end, value.number);
   rest.remove_prefix(end);
+  return true;
+}
+
+// A text that is not closed may end with a quote all the same: 'it''
+bool IsValue(const SqlToken& token) {
+  std::string_view rest = token.text;
+  SqlComparand value;
+  if (token.kind == SqlToken::Kind::kNumber) return TakeNumber(rest, value) && rest.empty();
+  return token.kind == SqlToken::Kind::kString && TakeText(rest, value) && rest.empty();
+}
+
+/// Walks the tokens once and tells which are comparands.
+class Comparands {
+ public:
+  explicit Comparands(const std::vector<SqlToken>& tokens) : tokens_(tokens) {}
+
+  std::vector<std::size_t> Find() {
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < tokens_.size(); ++i) {
+      if (IsParameter(tokens_[i])) return {};
+      Follow(tokens_[i]);
+      if (levels_.back().in_condition && !levels_.back().in_name && StandsAlone(i)) found.push_back(i);
+    }
+    return found.size() > kMostComparands ? std::vector<std::size_t>{} : found;
+  }
+
+ private:
+  static bool IsParameter(const SqlToken& token) {
+    return token.IsMark('?') || token.IsMark(':') || token.IsMark('@') || token.IsMark('$');
+  }
+
+  /// What is between two parentheses.
+  struct Level {
+    bool in_condition = false;
+    bool in_list = false;  ///< of what a select selects
+    bool in_name = false;  ///< inside such a list: a column without AS is named by its text
+  };
+
+  void Follow(const SqlToken& token) {
+    Level& level = levels_.back();
+    if (token.IsMark('(')) {
+      levels_.push_back({.in_name = level.in_list || level.in_name});
+    } else if (token.IsMark(')')) {
+      if (levels_.size() > 1) levels_.pop_back();
+    } else if (token.IsWord("where")) {
+      level.in_condition = true;
+    } else if (IsOneOf(token, kEndsCondition)) {
+      level.in_condition = false;
+      level.in_list = token.IsWord("select");
+    }
+  }
+
+  bool StandsAlone(std::size_t i) const {
+    const bool behind_column = i > 2 && tokens_[i - 1].IsMark('=') && tokens_[i - 2].IsName();
+    const bool ends =
+        i + 1 == tokens_.size() || tokens_[i + 1].IsMark(')') || IsOneOf(tokens_[i + 1], kFollowsComparand);
+    return behind_column && ends && IsValue(tokens_[i]);
+  }
+
+  const std::vector<SqlToken>& tokens_;
+  std::vector<Level> levels_ = {{}};
+};
+
+bool IsPlainSelect(const std::vector<SqlToken>& tokens) {
+  if (tokens.empty() || !tokens.front().IsWord("select")) return false;
+  int depth = 0;
+  for (const SqlToken& token : tokens) {
+    depth += token.IsMark('(') ? 1 : token.IsMark(')') ? -1 : 0;
+    if (depth == 0 && IsOneOf(token, kNotPlain)) return false;
+  }
   return true;
 }
 

@@ -18,7 +18,8 @@ struct SqlComparand {
 /// parameters instead of the values. "WHERE A = 'x' AND B = 5" and "WHERE A = 'y' AND B = 7" have one shape.
 ///
 /// Only whole numbers and texts that stand alone behind "column =" in a condition become parameters: what the
-/// statement means does not depend on them.
+/// statement means does not depend on them. Inside the list of what is selected they stay, for the names of
+/// columns without AS would change.
 class SqlShape {
  public:
   explicit SqlShape(std::string_view sql);

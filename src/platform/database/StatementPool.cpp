@@ -42,6 +42,10 @@ StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, C
     : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
 
 KeptStatement& StatementPool::Bound(const std::string& sql) {
+  // The text that is compiled may be shorter than the one that is bounded.
+  const int longest = sqlite3_limit(connection_.Handle(), SQLITE_LIMIT_SQL_LENGTH, -1);
+  if (sql.size() > static_cast<std::size_t>(longest))
+    throw DatabaseError("the statement is longer than " + std::to_string(longest) + " bytes", sql);
   auto found = kept_.begin();
   while (found != kept_.end() && !found->shape.Matches(sql, values_)) ++found;
   if (found == kept_.end()) {
