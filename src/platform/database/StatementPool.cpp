@@ -36,6 +36,13 @@ std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
   return std::make_shared<const ResultColumns>(std::move(names));
 }
 
+/// An index that the database makes for one run holds the columns that the statement reads, and gives rows of
+/// equal keys in the order of those.
+bool HasAutomaticIndex(const std::vector<std::string>& plan) {
+  return std::ranges::any_of(
+      plan, [](const std::string& step) { return step.find("AUTOMATIC") != std::string::npos; });
+}
+
 }  // namespace
 
 StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
@@ -109,14 +116,20 @@ void StatementPool::Narrow(KeptStatement& kept) {
   std::string list;
   auto places = std::make_shared<std::vector<int>>(kept.columns->Count(), -1);
   for (const int column : asked) {
+    const std::string_view name = sqlite3_column_name(kept.whole.statement.get(), column);
+    // A name such as "Id:1" may be another column's once the statement is a table: columns of one name are
+    // numbered there.
+    if (name.find(':') != std::string_view::npos) kept.may_narrow = false;
     (*places)[static_cast<std::size_t>(column)] = kept.narrow.width++;
-    list += (list.empty() ? "" : ", ") + QuoteName(sqlite3_column_name(kept.whole.statement.get(), column));
+    list += (list.empty() ? "" : ", ") + QuoteName(name);
   }
+  if (!kept.may_narrow) return;
   const std::string whole = sqlite3_sql(kept.whole.statement.get());
   const std::string sql = "SELECT " + (list.empty() ? "NULL" : list) + " FROM (" + whole + "\n)";
   try {
     const SqliteGuard::Pass pass(guard_);
-    kept.may_narrow = Plan(sql) == Plan(whole);
+    const std::vector<std::string> plan = Plan(whole);
+    kept.may_narrow = !HasAutomaticIndex(plan) && Plan(sql) == plan;
     if (kept.may_narrow) kept.narrow.statement = connection_.Prepare(sql, sql);
     kept.narrow.places = std::move(places);
   } catch (const DatabaseError&) {
