@@ -29,6 +29,9 @@ class ResultCache {
   /// hardly ever asked for again.
   void Put(const std::string& sql, std::shared_ptr<const ResultSet> result,
            std::shared_ptr<CacheUse> use = std::make_shared<CacheUse>());
+  void Drop(std::string_view sql);
+  /// Says that a result has fetched its rest.
+  void NoteGrowth() { grown_ = true; }
   void Clear();
 
  private:
@@ -38,13 +41,17 @@ class ResultCache {
     std::shared_ptr<CacheUse> use;
     std::size_t bytes;  // as counted in bytes_
   };
+  using Entries = std::list<Entry>;
   static std::size_t BytesOf(const Entry& entry);
+  void Recount(Entry& entry);
+  void Erase(Entries::iterator entry);
   void Shrink();
 
   std::size_t max_bytes_;
   std::size_t bytes_ = 0;
-  std::list<Entry> entries_;  // the one asked for last in front
-  std::unordered_map<std::string_view, std::list<Entry>::iterator> by_sql_;
+  bool grown_ = false;
+  Entries entries_;  // the one asked for last in front
+  std::unordered_map<std::string_view, Entries::iterator> by_sql_;
 };
 
 }  // namespace excelexp

@@ -377,7 +377,8 @@ void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
 
 std::size_t ResultSetBuilder::Bytes() const {
   constexpr std::size_t kCell = sizeof(std::uint64_t) + sizeof(Kind);
-  return result_->row_count_ * width_ * kCell + result_->text_.size();
+  // Rows of which no column is kept are bounded like others.
+  return result_->row_count_ * std::max<std::size_t>(width_, 1) * kCell + result_->text_.size();
 }
 
 std::shared_ptr<const ResultSet> ResultSetBuilder::Finish() {

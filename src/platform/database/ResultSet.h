@@ -101,8 +101,8 @@ class ResultSet {
   /// Throws std::invalid_argument when there are not as many keys as columns.
   int Find(std::span<const int> columns, std::span<const KeyView> keys) const;
 
-  /// About how much memory the result takes, its indexes included.
-  std::size_t Bytes() const { return bytes_; }
+  /// About how much memory the result takes, with its indexes and what was fetched later.
+  std::size_t Bytes() const { return bytes_ + (rest_ == nullptr ? 0 : rest_->Bytes()); }
 
   bool IsComplete() const { return !has_more_rows_ && places_ == nullptr; }
   /// Fetches what is left out, for the fetching will not work any more. What fails is thrown when somebody

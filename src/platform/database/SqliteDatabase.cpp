@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <filesystem>
@@ -159,6 +160,7 @@ class SqliteDatabase final : public Database {
   StoredFunctions functions_;
   ResultCache cache_;
   std::vector<std::weak_ptr<const ResultSet>> partial_;  // results that may come back for their rest
+  std::size_t most_partial_ = kPartialResults;           // before those that are gone are left out
   bool running_ = false;
   bool in_snapshot_ = false;
   std::optional<std::int64_t> data_version_;
@@ -259,13 +261,11 @@ bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, b
                               ResultSetBuilder& builder) {
   const Rewinder rewinder(statement);
   const Running running(running_);
-  const int width = sqlite3_column_count(statement);
-  const bool no_columns = builder.Width() == 0;
+  const auto width = static_cast<int>(builder.Width());
   int rows = 0;
   while (connection_.Step(statement, sql)) {
     if (!all_rows && ++rows > kFirstRows) return false;
     builder.BeginRow();
-    if (no_columns) continue;
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
     if (builder.Bytes() > options_.max_result_bytes) {
       throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
@@ -281,8 +281,11 @@ std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sq
     throw DatabaseError("the rest of a result is asked for when its data may have changed", sql);
   try {
     KeptStatement& kept = statements_.Bound(sql);
-    return Read(kept, sql,
-                {.all_rows = true, .all_columns = missing == ResultSet::Missing::kColumns, .moment = moment});
+    std::shared_ptr<const ResultSet> rest =
+        Read(kept, sql,
+             {.all_rows = true, .all_columns = missing == ResultSet::Missing::kColumns, .moment = moment});
+    kept.met_volatile ? cache_.Drop(sql) : cache_.NoteGrowth();
+    return rest;
   } catch (const DatabaseError& error) {
     NoteFailure(error, sql);
     throw;
@@ -290,8 +293,10 @@ std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sq
 }
 
 void SqliteDatabase::NotePartial(const std::shared_ptr<const ResultSet>& result) {
-  if (partial_.size() >= kPartialResults)
+  if (partial_.size() >= most_partial_) {
     std::erase_if(partial_, [](const auto& each) { return each.expired(); });
+    most_partial_ = std::max(kPartialResults, 2 * partial_.size());
+  }
   partial_.push_back(result);
 }
 
