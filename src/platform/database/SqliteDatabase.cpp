@@ -231,24 +231,35 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
   const bool whole = !kept.may_narrow;
   std::shared_ptr<const ResultSet> result = Read(kept, sql, {.all_rows = whole, .all_columns = whole});
   ++kept.runs;
-  if (!kept.met_volatile && writes_noted == writes_noted_) cache_.Put(sql, result, kept.use);
+  const bool is_volatile = kept.whole.traits.is_volatile || kept.met_volatile;
+  if (!is_volatile && writes_noted == writes_noted_) cache_.Put(sql, result, kept.use);
   return result;
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const std::string& sql,
                                                       const Reading& reading) {
-  const bool is_volatile = kept.whole.traits.is_volatile;
   reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
-  const std::optional<DateTime> moment = is_volatile ? std::optional(connection_.Moment()) : std::nullopt;
-  functions_.SetMetVolatile(is_volatile);
+  // A function of the database may turn out to ask for it.
+  const bool asks_moment = kept.whole.traits.is_volatile || kept.whole.traits.calls_stored;
+  const std::optional<DateTime> moment = asks_moment ? std::optional(connection_.Moment()) : std::nullopt;
+  functions_.SetMetVolatile(false);
   const bool narrow = !reading.all_columns && kept.narrow.statement != nullptr;
   ResultSetBuilder builder =
       narrow ? ResultSetBuilder(kept.columns, kept.narrow.places, static_cast<std::size_t>(kept.narrow.width))
              : ResultSetBuilder(kept.columns);
   sqlite3_stmt* const statement = narrow ? kept.narrow.statement.get() : kept.whole.statement.get();
   const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows, builder);
-  kept.met_volatile = kept.met_volatile || functions_.MetVolatile();
-  if (!narrow && !has_more_rows) return builder.Finish();
+  const bool is_partial = narrow || has_more_rows;
+  if (functions_.MetVolatile()) {
+    // Read a second time, a function that asks for something volatile may give other values, and other rows.
+    kept.met_volatile = true;
+    kept.may_narrow = false;
+    kept.narrow = {};
+    if (is_partial) {
+      return Read(statements_.Bound(sql), sql, {.all_rows = true, .all_columns = true, .moment = moment});
+    }
+  }
+  if (!is_partial) return builder.Finish();
   std::shared_ptr<const ResultSet> result = builder.Finish(
       has_more_rows,
       [this, sql, moment](ResultSet::Missing missing) { return FetchRest(sql, missing, moment); });

@@ -23,7 +23,8 @@ struct SqliteOptions {
   std::function<bool()> cancelled = {};
   /// What NOW() answers, one moment per statement; the local time of the system when empty.
   std::function<DateTime()> now = {};
-  /// Told every statement that failed, with the database's message (the --trace file).
+  /// Told every statement that failed, with the database's message (the --trace file); also when a result is
+  /// completed because its snapshot ends or the connection closes.
   std::function<void(const std::string& sql, const std::string& message)> on_failure = {};
 };
 

@@ -147,6 +147,7 @@ bool SqliteGuard::MayCall(const char* name, bool in_view) {
     traits_.is_volatile = traits_.is_volatile || in_view;  // the view's text is not at hand
     traits_.is_unrepeatable = traits_.is_unrepeatable || in_view;
   }
+  traits_.calls_stored = traits_.calls_stored || !IsBuiltIn(folded);
   return allowed_.contains(folded);
 }
 

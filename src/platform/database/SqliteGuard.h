@@ -13,6 +13,7 @@ class SqliteConnection;
 struct StatementTraits {
   bool is_volatile = false;      ///< calls a function whose answer changes while the data stays the same
   bool is_unrepeatable = false;  ///< and whose answer does not follow from the moment of the statement
+  bool calls_stored = false;     ///< calls a function of the database, whatever that asks for
   bool reads_catalogue = false;  ///< reads SysTable or SysColumn
 };
 
