@@ -101,12 +101,13 @@ bool AnalysisRecordLookup::Run(const Request& request) const {
 /// The columns of the fields, which are the same for every request of a kind on one result.
 std::span<const int> AnalysisRecordLookup::ColumnsOf(std::span<const std::string_view> fields,
                                                      const Request& request) const {
+  const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
   const int kind = static_cast<int>(request.bank) | (request.basis_a != nullptr ? 4 : 0) |
-                   (request.country != nullptr ? 8 : 0);
+                   (request.country != nullptr ? 8 : 0) | (company ? 16 : 0);
   if (kind != kind_ || records_->Columns() != columns_of_) {
+    columns_ = records_->ColumnsOf(fields);  // throws for one that is missing: nothing is known then
     kind_ = kind;
     columns_of_ = records_->Columns();
-    columns_ = records_->ColumnsOf(fields);
   }
   return columns_;
 }

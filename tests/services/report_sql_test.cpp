@@ -229,8 +229,8 @@ TEST(RecordLookup, EveryFormAndKeyList) {
   EXPECT_EQ(amount(lookup.LocateCSS(normal, "whatever", "BankRecord", "MY", "BankRecord")), 0);
 
   core.SetExcelWkSheetRptSumLvl("SumLevelEmpee");
-  EXPECT_EQ(amount(lookup.LocateBasis(normal, "b", "c", "BASIC", "PayElement")), 2);
   EXPECT_EQ(amount(lookup.LocateBasisCSS(normal, "b", "c", "BASIC", "PayElement", "SG")), 0);
+  EXPECT_EQ(amount(lookup.LocateBasis(normal, "b", "c", "BASIC", "PayElement")), 2);
   core.SetExcelWkSheetRptSumLvl("SumLevelCompany");
   EXPECT_EQ(amount(lookup.LocateBasis(normal, "1", "b", "BASIC", "PayElement")), 2);
   EXPECT_EQ(amount(movement.LocateBasis(normal, "2", "a", "BASIC", "PayElement")), 3);
