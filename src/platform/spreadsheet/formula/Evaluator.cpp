@@ -55,8 +55,10 @@ Array OneItem(Value value) {
 
 }  // namespace
 
-std::optional<FormulaResult> Evaluator::Run(const Expression& expression, const CellPlace& place) {
+std::optional<FormulaResult> Evaluator::Run(const Expression& expression, const CellPlace& place,
+                                            const Moves& moves) {
   place_ = place;
+  moves_ = moves;
   waiting_ = false;
   name_depth_ = 0;
   FormulaResult result;
@@ -119,7 +121,13 @@ Value Evaluator::Evaluate(const Node& node, bool in_array) {
   return {};
 }
 
-Value Evaluator::EvaluateReference(const Reference& reference) const {
+Value Evaluator::EvaluateReference(const Reference& shared) const {
+  Reference moved;
+  if (moves_.Any()) {
+    moved = shared;
+    if (!Move(moved, moves_)) return Value::Error(ErrorCode::kRef);
+  }
+  const Reference& reference = moves_.Any() ? moved : shared;
   if (reference.sheet.empty()) return Value::Reference({place_.sheet, reference.range});
   const Sheet* first = workbook_.FindSheet(reference.sheet);
   if (first == nullptr) return Value::Error(ErrorCode::kRef);

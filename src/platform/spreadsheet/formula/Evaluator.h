@@ -41,7 +41,9 @@ class Evaluator {
       : workbook_(workbook), now_(now), results_(results), names_(names) {}
 
   /// The result of a formula in that cell; nothing when it has to wait for others.
-  std::optional<FormulaResult> Run(const Expression& expression, const CellPlace& place);
+  /// A shared expression is computed as if its relative references were moved.
+  std::optional<FormulaResult> Run(const Expression& expression, const CellPlace& place,
+                                   const Moves& moves = {});
 
   // What follows is for the functions.
 
@@ -92,6 +94,7 @@ class Evaluator {
   const NameTable* names_;  ///< may be nullptr
   std::map<FormatId, std::string> format_codes_;
   CellPlace place_ = {};
+  Moves moves_ = {};
   bool waiting_ = false;
   int name_depth_ = 0;
 };

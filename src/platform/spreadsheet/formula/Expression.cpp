@@ -22,27 +22,27 @@ void Order(int& first, int& last, bool (&absolute)[2]) {
   std::swap(absolute[0], absolute[1]);
 }
 
-bool MoveReference(Reference& reference, int rows, int columns) {
+void MoveNode(Node& node, const Moves& moves) {
+  if (node.type == NodeType::kReference && !Move(node.reference, moves)) {
+    node.type = NodeType::kError;
+    node.error = ErrorCode::kRef;
+  }
+  for (const std::unique_ptr<Node>& child : node.children) MoveNode(*child, moves);
+}
+
+}  // namespace
+
+bool Move(Reference& reference, const Moves& moves) {
   CellRange& range = reference.range;
   const bool inside =
-      MoveEnd(range.first_row, reference.row_absolute[0], rows, Workbook::kMaxRows) &&
-      MoveEnd(range.last_row, reference.row_absolute[1], rows, Workbook::kMaxRows) &&
-      MoveEnd(range.first_col, reference.column_absolute[0], columns, Workbook::kMaxColumns) &&
-      MoveEnd(range.last_col, reference.column_absolute[1], columns, Workbook::kMaxColumns);
+      MoveEnd(range.first_row, reference.row_absolute[0], moves.rows, Workbook::kMaxRows) &&
+      MoveEnd(range.last_row, reference.row_absolute[1], moves.rows, Workbook::kMaxRows) &&
+      MoveEnd(range.first_col, reference.column_absolute[0], moves.columns, Workbook::kMaxColumns) &&
+      MoveEnd(range.last_col, reference.column_absolute[1], moves.columns, Workbook::kMaxColumns);
   Order(range.first_row, range.last_row, reference.row_absolute);
   Order(range.first_col, range.last_col, reference.column_absolute);
   return inside;
 }
-
-void MoveNode(Node& node, int rows, int columns) {
-  if (node.type == NodeType::kReference && !MoveReference(node.reference, rows, columns)) {
-    node.type = NodeType::kError;
-    node.error = ErrorCode::kRef;
-  }
-  for (const std::unique_ptr<Node>& child : node.children) MoveNode(*child, rows, columns);
-}
-
-}  // namespace
 
 std::unique_ptr<Node> Clone(const Node& node) {
   auto copy = std::make_unique<Node>();
@@ -84,13 +84,13 @@ std::unique_ptr<Node> MakeName(std::string_view name) {
 
 std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, int columns) {
   std::unique_ptr<Node> root = Clone(expression.Root());
-  MoveNode(*root, rows, columns);
+  MoveNode(*root, {rows, columns});
   return std::make_shared<Expression>(std::move(root));
 }
 
 std::shared_ptr<const Expression> ExpressionOf(const Formula& formula) {
-  const bool moved = formula.rows_moved != 0 || formula.columns_moved != 0;
-  return moved ? Moved(*formula.expression, formula.rows_moved, formula.columns_moved) : formula.expression;
+  return MovesOf(formula).Any() ? Moved(*formula.expression, formula.rows_moved, formula.columns_moved)
+                                : formula.expression;
 }
 
 }  // namespace excelexp::formula

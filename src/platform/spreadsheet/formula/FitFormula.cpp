@@ -94,6 +94,10 @@ class Fitter {
     }
   }
 
+  bool Fits(const Node& root) const {
+    return ArgumentsFit(root) && limits_.measure(root) <= limits_.max_size;
+  }
+
  private:
   [[noreturn]] static void FailTooLong() {
     throw SpreadsheetError("the formula is too long for the file format and cannot be divided");
@@ -111,10 +115,6 @@ class Fitter {
     return !TooManyArguments(node) &&
            std::all_of(node.children.begin(), node.children.end(),
                        [&](const NodePointer& child) { return ArgumentsFit(*child); });
-  }
-
-  bool Fits(const Node& root) const {
-    return ArgumentsFit(root) && limits_.measure(root) <= limits_.max_size;
   }
 
   /// Gives every call below a permitted number of arguments.
@@ -231,6 +231,11 @@ class Fitter {
 
 const FormulaLimits kXlsLimits = {kMaxXlsArguments, kMaxTokenSize, TokenSize};
 const FormulaLimits kXlsxLimits = {kMaxXlsxArguments, 8192, StoredCharacters};
+
+bool FitsAsItIs(const Expression& expression, const FormulaLimits& limits) {
+  const FormulaPosition nowhere = {};
+  return Fitter(limits, nowhere).Fits(expression.Root());
+}
 
 FittedFormula FitFormula(std::shared_ptr<const Expression> expression, const FormulaLimits& limits,
                          const FormulaPosition& position) {

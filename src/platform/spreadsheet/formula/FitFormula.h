@@ -40,6 +40,9 @@ struct FormulaPosition {
   int column;
 };
 
+/// Whether FitFormula would give it back unchanged.
+bool FitsAsItIs(const Expression& expression, const FormulaLimits& limits);
+
 /// An equivalent formula within the limits. A call of SUM, COUNT, COUNTA, AVERAGE, MIN, MAX or PRODUCT with
 /// too many arguments becomes nested calls (SUM(SUM(..),SUM(..)), SUM(COUNT(..),..)) or, where nesting would
 /// change the value, unions of cells (MIN((A1,B1),(C1,D1))). Pieces of a formula that is still too long move

@@ -72,7 +72,8 @@ class Recalculation : public ResultSource {
     const Formula& computed = workbook_.FormulaAt(formula);
     if (computed.expression == nullptr) return Finish(formula, {});
     missing_.clear();
-    std::optional<FormulaResult> result = evaluator_.Run(*ExpressionOf(computed), places_[formula]);
+    std::optional<FormulaResult> result =
+        evaluator_.Run(*computed.expression, places_[formula], MovesOf(computed));
     if (result) return Finish(formula, std::move(*result));
     for (const std::uint32_t needed : missing_) {
       if (states_[needed] == State::kWaiting) return BreakCycle(needed);

@@ -100,7 +100,8 @@ constexpr FunctionInfo kCallByName = {
 
 class Encoder {
  public:
-  Encoder(TokenContext* context, FormulaPlace place) : context_(context), place_(place) {}
+  Encoder(TokenContext* context, FormulaPlace place, const Moves& moves)
+      : context_(context), place_(place), moves_(moves) {}
 
   void EncodeRoot(const Node& root) {
     if (IsVolatile(root)) out_.Put(Attribute::kVolatile);
@@ -185,7 +186,13 @@ class Encoder {
       out_.Put(single ? Token::kCellOfSheets : Token::kAreaOfSheets, operand_class);
       out_.Put16(context_ == nullptr ? 0 : context_->Sheets(reference.sheet, reference.last_sheet));
     }
-    PutCells(reference);
+    if (moves_.Any()) {
+      Reference moved = reference;
+      if (!Move(moved, moves_)) throw SpreadsheetError("a reference of the formula leaves the sheet");
+      PutCells(moved);
+    } else {
+      PutCells(reference);
+    }
     // A cell weighs 7, an area 13; with sheets 9 and 15 ([MS-XLS] 2.5.198.104).
     out_.AddWeight(single ? 2 : 4);
   }
@@ -331,6 +338,7 @@ class Encoder {
 
   TokenContext* context_;  ///< nullptr when only the size matters
   FormulaPlace place_;
+  Moves moves_;
   TokenWriter out_;
   bool in_reference_expression_ = false;
 };
@@ -338,8 +346,8 @@ class Encoder {
 }  // namespace
 
 std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
-                                       FormulaPlace place) {
-  Encoder encoder(&context, place);
+                                       FormulaPlace place, const Moves& moves) {
+  Encoder encoder(&context, place, moves);
   encoder.EncodeRoot(expression.Root());
   if (encoder.Out().Weight() > kMaxTokenSize) {
     throw SpreadsheetError("the formula is too long for .xls: " + std::to_string(encoder.Out().Weight()) +
@@ -349,7 +357,7 @@ std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContex
 }
 
 std::size_t TokenSize(const Node& node) {
-  Encoder encoder(nullptr, FormulaPlace::kCell);
+  Encoder encoder(nullptr, FormulaPlace::kCell, {});
   encoder.EncodeRoot(node);
   return encoder.Out().Weight();
 }

@@ -48,8 +48,9 @@ inline constexpr std::size_t kMaxTokenSize = 1800;
 /// The parsed expression (rgce) of a BIFF8 formula, without its length field. Throws SpreadsheetError for
 /// what .xls does not hold: cells beyond 65,536 rows or 256 columns, calls with more than 30 arguments, more
 /// than kMaxTokenSize; FitFormula makes such formulas fit where that is possible.
+/// The expression's relative references are written moved.
 std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
-                                       FormulaPlace place = FormulaPlace::kCell);
+                                       FormulaPlace place = FormulaPlace::kCell, const Moves& moves = {});
 
 /// The size that counts against kMaxTokenSize. It is larger than the bytes in the file: references weigh what
 /// they weigh in the application's memory.

@@ -47,10 +47,24 @@ FormulaLinks::FormulaLinks(const Workbook& workbook) : workbook_(workbook), toke
   }
 }
 
+/// Whether FitFormula would leave it alone, wherever it is moved; asked once for neighbours that share it.
+bool FormulaLinks::Fits(const std::shared_ptr<const formula::Expression>& expression) {
+  if (expression != last_asked_) {
+    last_asked_ = expression;
+    last_fits_ = formula::FitsAsItIs(*expression, formula::kXlsLimits);
+  }
+  return last_fits_;
+}
+
 void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& position) {
   const Formula& formula = workbook_.FormulaAt(cell.formula);
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
+    if (Fits(formula.expression)) {
+      tokens_[cell.formula] = formula::EncodeTokens(*formula.expression, *this, formula::FormulaPlace::kCell,
+                                                    formula::MovesOf(formula));
+      return;
+    }
     const formula::FittedFormula fitted =
         formula::FitFormula(formula::ExpressionOf(formula), formula::kXlsLimits, position);
     for (const formula::HiddenName& name : fitted.names) {

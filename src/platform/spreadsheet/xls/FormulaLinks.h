@@ -44,11 +44,14 @@ class FormulaLinks : public formula::TokenContext {
   };
 
   void Encode(const Cell& cell, const formula::FormulaPosition& position);
+  bool Fits(const std::shared_ptr<const formula::Expression>& expression);
   std::uint16_t SheetNumber(const std::string& name) const;
   std::uint16_t SpanNumber(const SheetSpan& span);
   std::uint16_t Define(DefinedName name);
 
   const Workbook& workbook_;
+  std::shared_ptr<const formula::Expression> last_asked_;
+  bool last_fits_ = false;
   std::vector<std::vector<std::uint8_t>> tokens_;  ///< by the workbook's formula index
   std::vector<SheetSpan> spans_;                   ///< entries of EXTERNSHEET
   std::vector<DefinedName> names_;
