@@ -13,6 +13,7 @@
 #include "platform/database/Catalogue.h"
 #include "platform/database/DatabaseError.h"
 #include "platform/database/Dialect.h"
+#include "platform/database/DistinctOrder.h"
 #include "platform/database/Names.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/ResultSet.h"
@@ -321,7 +322,7 @@ CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string&
   std::string rewritten;
   try {
     const SqliteGuard::Pass pass(guard_);
-    rewritten = RewriteSql(sql, find_table_);
+    rewritten = RewriteSql(SortWhatIsDistinct(sql), find_table_);
   } catch (const DatabaseError& error) {
     throw DatabaseError(error.Message(), sent);
   }

@@ -1,4 +1,5 @@
 #include "platform/database/Dialect.h"
+#include "platform/database/DistinctOrder.h"
 
 #include <fstream>
 #include <sstream>
@@ -186,6 +187,43 @@ TEST(Dialect, AListOfTheValueItselfIsAskedForExistence) {
       {"Records.Basis1Id IN (SELECT Code FROM People WHERE Code = Records.Basis1Id)", ""},
       {"Records.Year + Records.Year IN (SELECT PersonId FROM People WHERE PersonId = Records.Year)", ""},
   });
+}
+
+TEST(Dialect, OnlyAnOrderOfAllDistinctColumnsIsSortedLast) {
+  const std::string from = " FROM t WHERE a IN (SELECT x FROM u ORDER BY x) ";
+  const auto wrapped = [&](const std::string& columns) {
+    return "SELECT * FROM (SELECT DISTINCT " + columns + from + ") ORDER BY ";
+  };
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"SELECT DISTINCT a, t.b AS c" + from + "ORDER BY a, T.b", wrapped("a, t.b AS c") + "1, 2"},
+      {"SELECT DISTINCT a, b" + from + "order by b DESC, a asc", wrapped("a, b") + "2 DESC, 1 asc"},
+      {"SELECT DISTINCT \"a b\"" + from + "ORDER BY \"a b\"", wrapped("\"a b\"") + "1"}};
+  for (const auto& [sql, rewritten] : rows) EXPECT_EQ(SortWhatIsDistinct(sql), rewritten);
+  for (const std::string columns_and_order :
+       {"DISTINCT a, b;a", "DISTINCT a;a, b", "DISTINCT a, b AS a;a, b", "DISTINCT a, '';a", "DISTINCT *;a",
+        "DISTINCT a b;a", "DISTINCT f(a);f(a)", "DISTINCT a;1", "DISTINCT a;a COLLATE NOCASE", "a;a",
+        "DISTINCT a;a LIMIT 5", "DISTINCT a;a NULLS LAST", "DISTINCT a;t.a", "DISTINCT a + 1;a + 1",
+        "DISTINCT a;", "DISTINCT a AS b;b"}) {
+    const std::size_t mark = columns_and_order.find(';');
+    const std::string sql = "SELECT " + columns_and_order.substr(0, mark) + from + "ORDER BY " +
+                            columns_and_order.substr(mark + 1);
+    EXPECT_EQ(SortWhatIsDistinct(sql), sql);
+  }
+  EXPECT_EQ(SortWhatIsDistinct("SELECT DISTINCT a FROM t UNION SELECT b FROM u ORDER BY a"),
+            "SELECT DISTINCT a FROM t UNION SELECT b FROM u ORDER BY a");
+}
+
+TEST(Dialect, DistinctRowsComeInTheSameOrderUnderTheSameNames) {
+  const TestDatabase file(
+      "CREATE TABLE T (Code varchar(10) COLLATE NOCASE, Number integer);"
+      "INSERT INTO T VALUES ('b', 2), ('A', 1), ('a', 1), (NULL, 3), ('b', NULL), ('b', 2), ('C', 10);");
+  const auto database = file.Open();
+  const auto all =
+      database->Select("SELECT DISTINCT T.Code, Number AS N FROM T ORDER BY Number DESC, T.Code");
+  EXPECT_EQ(Rows(*all), Rows(*database->Select("SELECT Code, Number FROM T GROUP BY Code, Number ORDER BY "
+                                               "Number DESC, Code")));
+  EXPECT_EQ(all->ColumnName(0), "Code");
+  EXPECT_EQ(all->ColumnName(1), "N");
 }
 
 TEST(Dialect, NoKeyOrTwoKeysNameTheTables) {
