@@ -79,7 +79,7 @@ bool CellPrinter::FormatAsTitle(int row, int column, std::string_view where) {
 }
 
 bool CellPrinter::FormatAsFirst(int row, int column, std::string_view where) {
-  static const std::string first;
+  static const std::string first = "\n";  // no scheme has that id
   if (ApplyKnown(first, row, column)) return true;
   if (!OpenChosen(where)) return false;
   colour_scheme_query_->First();
