@@ -92,11 +92,12 @@ void SetupTableAnalysisEngine::DeleteRecords() {
 
 /// Whether the first and the last record, in the order of the keys, have that key: then all of them have.
 bool SetupTableAnalysisEngine::HoldsOnly(const std::vector<SqlValue>& key) {
-  for (const std::string order : {"", " DESC"}) {
-    const auto end =
-        writer_->Rows("SELECT AnlysProjectId, AnlysIPAddress FROM AnlysItemRecord ORDER BY AnlysIPAddress" +
-                      order + ", AnlysProjectId" + order + " LIMIT 1");
-    if (end.empty() || end.front() != key) return false;
+  for (const char* end : {"SELECT AnlysProjectId, AnlysIPAddress FROM AnlysItemRecord "
+                          "ORDER BY AnlysIPAddress, AnlysProjectId LIMIT 1",
+                          "SELECT AnlysProjectId, AnlysIPAddress FROM AnlysItemRecord "
+                          "ORDER BY AnlysIPAddress DESC, AnlysProjectId DESC LIMIT 1"}) {
+    const auto record = writer_->Rows(end);
+    if (record.empty() || record.front() != key) return false;
   }
   return true;
 }
