@@ -172,23 +172,17 @@ bool BandedFrame::PrintMainInfoColumn(int band_row) {
 
 void BandedFrame::ReadMainColumns() {
   const DefinitionNames& names = traits_.names;
-  const std::string question = core_->ExcelWkSheetTitleColourSchemeId + "\n" + ExcelRptSummLvlItemQry.Sql();
-  if (const auto* known = core_->Memory->column_items.Find(question)) {
-    main_columns_ = *known;
-    return;
-  }
-  main_columns_ = std::make_shared<std::vector<KnownColumnItem>>();
-  for (ExcelRptSummLvlItemQry.First(); !ExcelRptSummLvlItemQry.Eof(); ExcelRptSummLvlItemQry.Next()) {
-    const auto text = [this](std::string_view name) {
-      return ExcelRptSummLvlItemQry.FieldByName(name).AsString();
-    };
-    KnownColumnItem& column = main_columns_->emplace_back();
+  const auto text = [this](std::string_view name) {
+    return ExcelRptSummLvlItemQry.FieldByName(name).AsString();
+  };
+  main_columns_ = core_->Memory->ItemsOf(ExcelRptSummLvlItemQry, core_->ExcelWkSheetTitleColourSchemeId, [&] {
+    KnownColumnItem column;
     column.grouping = text(names.column_field_table);
     column.component = text(names.column_field);
     column.title = text(names.column_title);
     column.scheme = text("ColourSchemeId");
-  }
-  core_->Memory->column_items.Keep(question, main_columns_);
+    return column;
+  });
 }
 
 bool BandedFrame::PrintItem(WkSheetItem& item) {

@@ -25,26 +25,18 @@ bool ListingLayout::PrintColumnItems() {
 }
 
 void ListingLayout::ReadColumnItems() {
-  const std::string question = core_->ExcelWkSheetTitleColourSchemeId + "\n" + FinanceColItemQry.Sql();
-  if (const auto* known = core_->Memory->column_items.Find(question)) {
-    items_ = *known;
-    return;
-  }
-  items_ = std::make_shared<std::vector<KnownColumnItem>>();
-  for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
-    const auto text = [this](std::string_view field) { return Text(FinanceColItemQry, field); };
-    items_->push_back({.type = text("FinColItemType"),
-                       .item = text("FinColItem"),
-                       .grouping = text("FinColGrouping"),
-                       .component = text("FinColComponent"),
-                       .title = text("FinColItemTitle"),
-                       .scheme = text("ColourSchemeId"),
-                       .formula = text("FinColExcelFormula"),
-                       .field_type = "",
-                       .schemes = nullptr,
-                       .value = std::nullopt});
-  }
-  core_->Memory->column_items.Keep(question, items_);
+  const auto text = [this](std::string_view field) { return Text(FinanceColItemQry, field); };
+  items_ = core_->Memory->ItemsOf(FinanceColItemQry, core_->ExcelWkSheetTitleColourSchemeId, [&] {
+    KnownColumnItem item;
+    item.type = text("FinColItemType");
+    item.item = text("FinColItem");
+    item.grouping = text("FinColGrouping");
+    item.component = text("FinColComponent");
+    item.title = text("FinColItemTitle");
+    item.scheme = text("ColourSchemeId");
+    item.formula = text("FinColExcelFormula");
+    return item;
+  });
 }
 
 bool ListingLayout::WalkColumns(const ColumnWalk& walk) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/database/DatabaseRegistry.h"
+#include "platform/database/Query.h"
 #include "platform/spreadsheet/BExcelAPI.h"
 
 namespace excelexp {
@@ -72,7 +73,19 @@ struct KnownColumnItem {
 struct DefinitionMemory {
   Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
   Remembered<ValueColumn> value_columns;               ///< by grouping, component and column, one a line
-  Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< by title scheme and statement
+  Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< see ItemsOf
+
+  /// The items of the query's rows, in their order; `read` makes one of the row that the query stands on.
+  /// Read once for a statement and a title scheme, which goes with each item's own.
+  template <typename Read>
+  std::shared_ptr<std::vector<KnownColumnItem>> ItemsOf(Query& rows, const std::string& title_scheme,
+                                                        const Read& read) {
+    const std::string question = rows.DatabaseName() + "\n" + title_scheme + "\n" + rows.Sql();
+    if (const auto* known = column_items.Find(question)) return *known;
+    auto items = std::make_shared<std::vector<KnownColumnItem>>();
+    for (rows.First(); !rows.Eof(); rows.Next()) items->push_back(read());
+    return column_items.Keep(question, std::move(items));
+  }
 };
 
 }  // namespace excelexp

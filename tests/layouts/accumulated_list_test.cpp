@@ -195,9 +195,8 @@ TEST(AccumulatedList, TextsAndMomentsAreThoseOfTheLastRecordFound) {
   for (const auto& [column, value, shown] : rows) {
     Scenario scenario(Sheet() + Basic(1, "Normal", "1", 1) + Basic(2, "Normal", "1", 2) +
                       Record(2024, 3, "Normal", "1", "PayElement", "OTHER", "", 3) +
-                      "UPDATE MiniRecords SET " + column + " = " + value +
-                      " WHERE AnlysAmount1 = 2; UPDATE AnItemLookup SET AnlysMapField = '" + column +
-                      "' WHERE AnlysLookupId = 'PayElementAmt';" + Report() + BasicColumn(1, "Value"));
+                      ShownColumnSql("PayElementAmt", column, value, "AnlysAmount1 = 2") + Report() +
+                      BasicColumn(1, "Value"));
     EXPECT_EQ(Value(scenario.Run("S")), shown) << column;
   }
 }

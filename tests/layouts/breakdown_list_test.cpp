@@ -122,9 +122,8 @@ TEST(BreakdownList, EveryColumnTypeOfARecord) {
       {"AnlysTimestamp1", "'2024-02-29 08:30:01'", "29/02/2024 08:30:01"},
       {"AnlysDate1", "NULL", ""}};
   for (const auto& [column, value, shown] : rows) {
-    Scenario scenario(Sheet() + Pay("1", "PayElement", "BASIC", 0) + "UPDATE MiniRecords SET " + column +
-                      " = " + value + "; UPDATE AnItemLookup SET AnlysMapField = '" + column +
-                      "' WHERE AnlysLookupId = 'PayElementAmt';" + FinancialItemSql({}) +
+    Scenario scenario(Sheet() + Pay("1", "PayElement", "BASIC", 0) +
+                      ShownColumnSql("PayElementAmt", column, value) + FinancialItemSql({}) +
                       ColumnItemSql({.order = 1,
                                      .item = "BASIC",
                                      .grouping = "PayElement",

@@ -162,9 +162,9 @@ TEST(LeaveListByPeriod, MomentsAtMidnightShowTheirDay) {
       {"AnlysTime1", "'08:30:00'", "08:30:00"},
       {"AnlysCount1", "12", "12"}};
   for (const auto& [column, value, shown] : rows) {
-    Scenario scenario(Sheet() + Leave("1", 2024, 1, 0, "Normal", 1) + "UPDATE MiniRecords SET " + column +
-                      " = " + value + "; UPDATE AnItemLookup SET AnlysMapField = '" + column +
-                      "' WHERE AnlysLookupId = 'AnlLveBalance';" + FinancialItemSql(ByPeriod()) + Balance(2));
+    Scenario scenario(Sheet() + Leave("1", 2024, 1, 0, "Normal", 1) +
+                      ShownColumnSql("AnlLveBalance", column, value) + FinancialItemSql(ByPeriod()) +
+                      Balance(2));
     EXPECT_GRID(scenario.Run("S").Grid("Sheet", {.range = CellRange{7, 6, 7, 6}}),
                 shown.empty() ? "" : "| F\n7 | " + shown)
         << column;

@@ -158,4 +158,11 @@ std::string GroupSql(int order, const std::string& table, const std::string& fie
                  SqlText(field), std::to_string(sub_total), std::to_string(employee_count), "'Body'"});
 }
 
+std::string ShownColumnSql(const std::string& component, const std::string& column, const std::string& value,
+                           const std::string& condition) {
+  return "UPDATE MiniRecords SET " + column + " = " + value + " WHERE " + condition +
+         "; UPDATE AnItemLookup SET AnlysMapField = '" + column + "' WHERE AnlysLookupId = '" + component +
+         "';";
+}
+
 }  // namespace excelexp

@@ -35,6 +35,10 @@ struct FinancialItem {
 };
 std::string FinancialItemSql(const FinancialItem& item);
 
+/// Gives a column of the records (those that meet the condition) a value, and lets a component show it.
+std::string ShownColumnSql(const std::string& component, const std::string& column, const std::string& value,
+                           const std::string& condition = "1");
+
 /// A column item of a report; orders follow the calls' `order`.
 struct ColumnItem {
   std::string report = "R1";

@@ -207,8 +207,7 @@ Formula Workbook::SharedFormula(std::string_view relative_text, int row, int col
   const auto known = pools_->shared.find(relative_text);
   if (known == pools_->shared.end()) return formula;
   formula.expression = known->second.expression;
-  formula.rows_moved = row - known->second.row;
-  formula.columns_moved = column - known->second.column;
+  formula.moves = {row - known->second.row, column - known->second.column};
   return formula;
 }
 

@@ -15,7 +15,14 @@ namespace excelexp {
 struct FormatChange;
 namespace formula {
 class Expression;
-}
+
+/// How far the relative references of a shared expression are to be moved.
+struct Moves {
+  int rows = 0;
+  int columns = 0;
+  bool Any() const { return rows != 0 || columns != 0; }
+};
+}  // namespace formula
 
 /// Underline kinds; the values are the spreadsheet application's automation constants.
 enum class Underline : int {
@@ -96,8 +103,7 @@ struct Formula {
   /// be moved by so many rows and columns (formula::ExpressionOf).
   std::shared_ptr<const formula::Expression> expression;
   FormulaResult result = {};
-  int rows_moved = 0;
-  int columns_moved = 0;
+  formula::Moves moves = {};
 };
 
 /// Whether two sheet names are the same without regard to case, by Unicode's simple case mappings.

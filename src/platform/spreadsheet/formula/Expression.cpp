@@ -89,8 +89,8 @@ std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, 
 }
 
 std::shared_ptr<const Expression> ExpressionOf(const Formula& formula) {
-  return MovesOf(formula).Any() ? Moved(*formula.expression, formula.rows_moved, formula.columns_moved)
-                                : formula.expression;
+  return formula.moves.Any() ? Moved(*formula.expression, formula.moves.rows, formula.moves.columns)
+                             : formula.expression;
 }
 
 }  // namespace excelexp::formula

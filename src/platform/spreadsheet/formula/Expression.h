@@ -121,17 +121,6 @@ std::string Print(const Node& node, NameStyle style = NameStyle::kShown);
 /// sheet becomes #REF!.
 std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, int columns);
 
-/// How far the relative references of a shared expression are to be moved.
-struct Moves {
-  int rows = 0;
-  int columns = 0;
-  bool Any() const { return rows != 0 || columns != 0; }
-};
-
-inline Moves MovesOf(const Formula& formula) {
-  return {formula.rows_moved, formula.columns_moved};
-}
-
 /// Moves a reference; false when it would leave the sheet.
 bool Move(Reference& reference, const Moves& moves);
 

@@ -73,7 +73,7 @@ class Recalculation : public ResultSource {
     if (computed.expression == nullptr) return Finish(formula, {});
     missing_.clear();
     std::optional<FormulaResult> result =
-        evaluator_.Run(*computed.expression, places_[formula], MovesOf(computed));
+        evaluator_.Run(*computed.expression, places_[formula], computed.moves);
     if (result) return Finish(formula, std::move(*result));
     for (const std::uint32_t needed : missing_) {
       if (states_[needed] == State::kWaiting) return BreakCycle(needed);

@@ -61,8 +61,8 @@ void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& posi
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
     if (Fits(formula.expression)) {
-      tokens_[cell.formula] = formula::EncodeTokens(*formula.expression, *this, formula::FormulaPlace::kCell,
-                                                    formula::MovesOf(formula));
+      tokens_[cell.formula] =
+          formula::EncodeTokens(*formula.expression, *this, formula::FormulaPlace::kCell, formula.moves);
       return;
     }
     const formula::FittedFormula fitted =
