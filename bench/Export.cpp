@@ -15,41 +15,54 @@ namespace {
 
 constexpr char kAlias[] = "varndb";
 
-/// Deletes no records, and generates them only when they are not there.
-class KeepingEngine final : public BAnalysisRptEng {
+class WatchedEngine final : public BAnalysisRptEng {
  public:
-  KeepingEngine(std::unique_ptr<BAnalysisRptEng> real, bool movement, bool there)
-      : real_(std::move(real)), movement_(movement), there_(there) {}
+  WatchedEngine(std::unique_ptr<BAnalysisRptEng> real, const ExportOptions& options)
+      : real_(std::move(real)), options_(options) {}
   void SetQueryViewTable(const BQueryViewTable* view_table) override { real_->SetQueryViewTable(view_table); }
   int ExecuteOperation() override {
-    const int success = movement_ ? 0 : 1;
-    return there_ ? success : real_->ExecuteOperation();
+    int result = 0;
+    options_.analyse([&] { result = real_->ExecuteOperation(); });
+    return result;
   }
-  void DeleteOperation() override {}
+  void DeleteOperation() override {
+    options_.analyse([&] { real_->DeleteOperation(); });
+  }
 
  private:
   std::unique_ptr<BAnalysisRptEng> real_;
-  bool movement_;
-  bool there_;
+  const ExportOptions& options_;
+};
+
+/// Finds everything done.
+class IdleEngine final : public BAnalysisRptEng {
+ public:
+  explicit IdleEngine(bool movement) : success_(movement ? 0 : 1) {}
+  void SetQueryViewTable(const BQueryViewTable* /*view_table*/) override {}
+  int ExecuteOperation() override { return success_; }
+  void DeleteOperation() override {}
+
+ private:
+  int success_;
 };
 
 class ExportHost final : public BatchHost {
  public:
-  ExportHost(const std::string& database_file, std::string output, Records records)
-      : BatchHost(database_file, std::move(output)), records_(records) {}
+  ExportHost(std::string output, const ExportOptions& options)
+      : BatchHost(std::move(output)), options_(options) {}
 
   std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
                                                         const std::string& database_name,
                                                         bool interactive) override {
+    if (options_.records == Records::kStored)
+      return std::make_unique<IdleEngine>(request.AnlysProjectSubType == "ProjSubTypeMovement");
     auto real = BatchHost::CreateAnalysisRptEng(request, database_name, interactive);
-    if (records_ == Records::kGeneratedAndDeleted) return real;
-    return std::make_unique<KeepingEngine>(std::move(real),
-                                           request.AnlysProjectSubType == "ProjSubTypeMovement",
-                                           records_ == Records::kAlreadyThere);
+    if (!options_.analyse) return real;
+    return std::make_unique<WatchedEngine>(std::move(real), options_);
   }
 
  private:
-  Records records_;
+  const ExportOptions& options_;
 };
 
 class WatchedApi final : public BExcelAPI {
@@ -70,9 +83,9 @@ void Export(const std::string& database_file, const std::string& spreadsheet, co
             const ExportOptions& options) {
   DatabaseRegistry::Register(
       kAlias, options.connection != nullptr ? options.connection : OpenSqliteDatabase(database_file));
-  const bool deleted = options.records == Records::kGeneratedAndDeleted;
-  const FixedViewTable view(deleted ? "bench" : "kept", "ViewEmployee");
-  ExportHost host(database_file, output, options.records);
+  const bool stored = options.records == Records::kStored;
+  const FixedViewTable view(stored ? "stored" : "bench", "ViewEmployee");
+  ExportHost host(output, options);
   FileLineSink user_log(output + ".user.log");
   FileLineSink internal_log(output + ".internal.log");
   Outcome outcome = Outcome::kNotRun;

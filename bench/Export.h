@@ -10,16 +10,17 @@
 
 namespace excelexp {
 
-/// What becomes of the analysis records of an export. Those that are kept stand under the address "kept".
+/// Where the analysis records of an export come from.
 enum class Records {
-  kGeneratedAndDeleted,  ///< as the command does
-  kGeneratedAndKept,
-  kAlreadyThere  ///< an earlier export of the same spreadsheet kept them
+  kGenerated,  ///< as the command does
+  kStored      ///< a host's own analysis engine left them in the database, under the address "stored"
 };
 
 struct ExportOptions {
-  Records records = Records::kGeneratedAndDeleted;
-  std::shared_ptr<Database> connection = nullptr;             ///< without one, the export opens its own
+  Records records = Records::kGenerated;
+  std::shared_ptr<Database> connection = nullptr;  ///< without one, the export opens its own
+  /// Generates or deletes the records, maybe with a clock stopped.
+  std::function<void(const std::function<void()>& work)> analyse = nullptr;
   std::function<void(const Workbook&)> when_saved = nullptr;  ///< sees the workbook, its formulas computed
 };
 

@@ -68,6 +68,14 @@ INSERT INTO FinanceColItem
 INSERT INTO FinanceGrpItem VALUES (9001, 'GROUPED', 1, 'Group', 'Employee', 'EmpCode1Id', 1, 1, 'DefColourScheme');
 )";
 
+constexpr char kStoredRecords[] = R"(
+INSERT INTO AnlysItemRecord
+  (AnlysProjectId, AnlysIPAddress, AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis,
+   Basis1Id, AnlysDispSectionId, AnlysItem1Id, AnlysItem2Id, AnlysItem3Id, AnlysItem4Id, AnlysItem5Id, AnlysItemDesc,
+   AnlysLookUpId, AnlysAmount1, AnlysAmount2, AnlysDoubleValue3, AnlysCount1)
+  SELECT 'MONTHEND', 'stored_1', * FROM SetupMonthEnd;
+)";
+
 }  // namespace
 
 void WriteMonthEnd(const std::string& file, int employees) {
@@ -80,6 +88,11 @@ void WriteMonthEnd(const std::string& file, int employees) {
       static_cast<std::size_t>(employees)) {
     throw std::runtime_error("the demo has too few people for a month-end of " + std::to_string(employees));
   }
+}
+
+void StoreRecords(const std::string& file) {
+  SqliteWriter writer(file);
+  writer.Transaction([&] { writer.ExecuteScript(kStoredRecords); });
 }
 
 }  // namespace excelexp

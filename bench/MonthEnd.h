@@ -15,5 +15,8 @@ inline constexpr char kGrouped[] = "GROUPED";
 /// two definitions. Throws what WriteDemoDatabase throws, std::runtime_error when the demo has too few such
 /// people.
 void WriteMonthEnd(const std::string& file, int employees);
+/// Writes the analysis records of FLAT into such a database, as an engine that stores them leaves them under
+/// the address "stored".
+void StoreRecords(const std::string& file);
 
 }  // namespace excelexp

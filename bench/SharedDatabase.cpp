@@ -6,21 +6,10 @@
 #include <memory>
 
 #include "bench/DemoSheets.h"
-#include "bench/Export.h"
 #include "bench/MonthEnd.h"
 #include "bench/Sizes.h"
 
 namespace excelexp {
-namespace {
-
-/// Makes `copy` the same database with the analysis records of a spreadsheet.
-void CopyWithRecords(const SharedDatabase& original, const std::string& spreadsheet,
-                     const SharedDatabase& copy) {
-  std::filesystem::copy_file(original.File(), copy.File());
-  Export(copy.File(), spreadsheet, copy.Output(".xls"), {.records = Records::kGeneratedAndKept});
-}
-
-}  // namespace
 
 const SharedDatabase& MonthEndOf(int employees) {
   static std::map<int, SharedDatabase> made;
@@ -35,7 +24,10 @@ const SharedDatabase& MonthEndOf(int employees) {
 const SharedDatabase& MonthEndWithRecords(int employees) {
   static std::map<int, SharedDatabase> made;
   const auto [place, is_new] = made.try_emplace(employees);
-  if (is_new) CopyWithRecords(MonthEndOf(employees), kFlat, place->second);
+  if (is_new) {
+    std::filesystem::copy_file(MonthEndOf(employees).File(), place->second.File());
+    StoreRecords(place->second.File());
+  }
   return place->second;
 }
 
@@ -47,13 +39,6 @@ const SharedDatabase& DemoSheets() {
     WriteDemoSheets(made->File(), RunSizes().demo);
   }
   return *made;
-}
-
-const SharedDatabase& DemoSheetWithRecords(const std::string& sheet) {
-  static std::map<std::string, SharedDatabase> made;
-  const auto [place, is_new] = made.try_emplace(sheet);
-  if (is_new) CopyWithRecords(DemoSheets(), sheet, place->second);
-  return place->second;
 }
 
 }  // namespace excelexp

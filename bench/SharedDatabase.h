@@ -20,15 +20,12 @@ class SharedDatabase {
   TemporaryFolder folder_;
 };
 
-/// A month-end without analysis records, as an export finds it.
+/// A month-end as an export finds it.
 const SharedDatabase& MonthEndOf(int employees);
-/// One with the records of FLAT.
+/// One in which a host's own analysis engine left the records of FLAT.
 const SharedDatabase& MonthEndWithRecords(int employees);
 
-/// The demo's worksheets without analysis records.
+/// The demo's worksheets.
 const SharedDatabase& DemoSheets();
-/// One with the records of this worksheet and of no other: the question for every item of a type reads the
-/// records of all.
-const SharedDatabase& DemoSheetWithRecords(const std::string& sheet);
 
 }  // namespace excelexp

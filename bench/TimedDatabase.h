@@ -57,9 +57,7 @@ class TimedDatabase final : public Database {
   std::shared_ptr<const ResultSet> Select(const std::string& sql) override {
     const auto start = std::chrono::steady_clock::now();
     auto result = real_->Select(sql);
-    Use& use = uses_[ShapeOf(sql)];
-    use.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    ++use.count;
+    Note(sql, start);
     return result;
   }
   std::string ColumnType(std::string_view table, std::string_view column) override {
@@ -67,6 +65,14 @@ class TimedDatabase final : public Database {
   }
   std::string Country() override { return real_->Country(); }
   std::string DateFormat() override { return real_->DateFormat(); }
+  void HoldRows(const RowsToHold& rows) override {
+    const auto start = std::chrono::steady_clock::now();
+    real_->HoldRows(rows);
+    Note(rows.select, start);
+  }
+  void ReleaseRows(const std::string& table, const RowsToHold::Key& key) override {
+    real_->ReleaseRows(table, key);
+  }
   void NoteWrite() override { real_->NoteWrite(); }
 
  private:
@@ -74,6 +80,12 @@ class TimedDatabase final : public Database {
     double seconds = 0;
     int count = 0;
   };
+  void Note(const std::string& sql, std::chrono::steady_clock::time_point start) {
+    Use& use = uses_[ShapeOf(sql)];
+    use.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    ++use.count;
+  }
+
   std::shared_ptr<Database> real_;
   std::string name_;
   std::unordered_map<std::string, Use> uses_;

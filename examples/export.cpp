@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
   if (argc != 4) return 2;
   excelexp::DatabaseRegistry::Register("varndb", excelexp::OpenSqliteDatabase(argv[1]));
   excelexp::FixedViewTable view_table("10.0.0.7", "ViewEmployee");
-  excelexp::BatchHost host(argv[1], argv[3]);
+  excelexp::BatchHost host(argv[3]);
   excelexp::MemoryLineSink user_log;
   excelexp::MemoryLineSink internal_log;
   excelexp::BExcelExpEngine engine(argv[2], &view_table, "varndb");

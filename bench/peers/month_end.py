@@ -1,7 +1,7 @@
 """The month-end listing as a script has it: where the values come from and how the cells look.
 
 What the scripts of the two libraries share, so that they differ in the library only. They read the analysis
-records that an export of the definition FLAT left behind (`excelexp_bench --records=kept`)."""
+records as an engine that stores them leaves them (`excelexp_bench --month-end=FILE --records=stored`)."""
 
 import sqlite3
 import sys
@@ -77,7 +77,7 @@ SELECT Basis1Id, AnlysItemRecPeriodMonth, AnlysItem1Id, AnlysItemTypeId, AnlysAm
 FROM AnlysItemRecord
      JOIN AnlysDispSection ON AnlysDispSection.AnlysDispSectionId = AnlysItemRecord.AnlysDispSectionId
      JOIN AnlysItemSetup ON AnlysItemSetup.AnlysItemSetupId = AnlysDispSection.AnlysItemSetupId
-WHERE AnlysProjectId = 'MONTHEND' AND AnlysIPAddress = 'kept_1' AND AnlysPayRecBasis = 'Normal'"""
+WHERE AnlysProjectId = 'MONTHEND' AND AnlysIPAddress = 'stored_1' AND AnlysPayRecBasis = 'Normal'"""
 RECORD_FIELDS = ("AnlysAmount1", "AnlysAmount2", "AnlysCount1")
 
 

@@ -33,16 +33,13 @@ bool IsSameFile(const std::string& one, const std::string& other) {
 
 }  // namespace
 
-CommandHost::CommandHost(const std::string& payroll_file, const Settings& settings,
-                         OnAnalysisFailed on_failed)
-    : BatchHost(payroll_file, settings.output),
+CommandHost::CommandHost(const Settings& settings, OnAnalysisFailed on_failed)
+    : BatchHost(settings.output),
       settings_(settings),
       on_failed_(std::move(on_failed)),
       shows_progress_(ShowsProgress(settings)),
       begin_(std::chrono::steady_clock::now()),
-      next_shown_(begin_) {
-  Writer()->SetCancelled(&Interrupted);
-}
+      next_shown_(begin_) {}
 
 std::optional<std::string> CommandHost::AskSaveFile(const std::string& proposed) {
   std::optional<std::string> file;

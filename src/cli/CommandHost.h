@@ -15,7 +15,7 @@ class CommandHost final : public BatchHost {
  public:
   using OnAnalysisFailed = std::function<void(const std::string& project, const std::string& message)>;
 
-  CommandHost(const std::string& payroll_file, const Settings& settings, OnAnalysisFailed on_failed);
+  CommandHost(const Settings& settings, OnAnalysisFailed on_failed);
 
   std::optional<std::string> AskSaveFile(const std::string& proposed) override;
   void ShowInformation(const std::string& text) override;

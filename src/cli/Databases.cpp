@@ -1,5 +1,8 @@
 #include "cli/Databases.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "cli/Process.h"
 #include "platform/database/DatabaseError.h"
 #include "platform/database/DatabaseRegistry.h"
@@ -18,8 +21,7 @@ std::shared_ptr<Database> Open(const std::string& file, const SqliteOptions& opt
 
 }  // namespace
 
-Databases::Databases(const Settings& settings, const SqliteOptions& options)
-    : payroll_file_(settings.database) {
+Databases::Databases(const Settings& settings, const SqliteOptions& options) {
   std::vector<std::pair<std::string, std::shared_ptr<Database>>> opened;
   const auto definition = Open(settings.database, options);
   opened.emplace_back(kDefinitionAlias, definition);
@@ -27,8 +29,9 @@ Databases::Databases(const Settings& settings, const SqliteOptions& options)
   for (const auto& [alias, file] : settings.aliases) {
     if (alias == kDefinitionAlias)
       throw ArgumentError("the alias '" + alias + "' is taken by the first database");
-    if (alias == kPayrollDatabaseName) payroll_file_ = file;
-    opened.emplace_back(alias, Open(file, options));
+    std::error_code error;
+    const bool is_first = std::filesystem::equivalent(file, settings.database, error);
+    opened.emplace_back(alias, is_first ? definition : Open(file, options));
   }
   for (const auto& [alias, database] : opened) Register(alias, database);
 }

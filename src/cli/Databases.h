@@ -14,19 +14,16 @@ inline constexpr char kDefinitionAlias[] = "definition";
 /// The databases of a run, registered under their aliases as long as the object lives.
 class Databases {
  public:
+  /// Names of one file share a connection, and so what it holds in memory.
   /// Throws ArgumentError for a file that is no database and for an alias that is taken.
   Databases(const Settings& settings, const SqliteOptions& options);
   ~Databases();
   Databases(const Databases&) = delete;
   Databases& operator=(const Databases&) = delete;
 
-  /// The file behind the payroll alias, which takes the analysis records.
-  const std::string& PayrollFile() const { return payroll_file_; }
-
  private:
   void Register(const std::string& alias, std::shared_ptr<Database> database);
 
-  std::string payroll_file_;
   std::vector<std::string> aliases_;
 };
 

@@ -9,8 +9,8 @@
 #include "cli/Process.h"
 #include "cli/Verbs.h"
 #include "engine/BExcelExpEngine.h"
-#include "platform/analysis/AnalysisRun.h"
 #include "platform/host/LineSinks.h"
+#include "platform/host/Workstation.h"
 #include "platform/spreadsheet/WorkbookFile.h"
 
 namespace excelexp::cli {
@@ -18,8 +18,6 @@ namespace {
 
 constexpr std::size_t kShownWarnings = 20;
 constexpr std::string_view kDefaultViewTable = "ViewEmployee";
-// What an interrupted run may still wait for a lock, so that it ends within a second.
-constexpr int kLastBusyTimeoutMs = 300;
 
 // How the user log says that a run failed; the reason follows on the line or on the next one, or a worksheet
 // has given its reason before.
@@ -145,25 +143,20 @@ void CheckSettings(const Settings& settings) {
 class Export {
  public:
   explicit Export(const Settings& settings)
-      : settings_(settings),
-        databases_(std::make_unique<Databases>(settings, Options())),
-        analysis_run_(databases_->PayrollFile(),
-                      settings.workstation.empty() ? DefaultWorkstation() : settings.workstation) {
+      : settings_(settings), databases_(std::make_unique<Databases>(settings, Options())) {
     OpenLogs();
-    host_.emplace(databases_->PayrollFile(), settings,
-                  [this](const std::string& project, const std::string& message) {
-                    logs_->Trace("Analysis project '" + project + "' failed.", message);
-                  });
+    host_.emplace(settings, [this](const std::string& project, const std::string& message) {
+      logs_->Trace("Analysis project '" + project + "' failed.", message);
+    });
   }
 
   ExitCode Run() {
-    RemoveAbandonedRecords();
     Outcome outcome = Outcome::kFailed;
     std::string written;
     {
-      const FixedViewTable view_table(analysis_run_.Address(), settings_.view_table.empty()
-                                                                   ? std::string(kDefaultViewTable)
-                                                                   : settings_.view_table);
+      const FixedViewTable view_table(
+          settings_.workstation.empty() ? DefaultWorkstation() : settings_.workstation,
+          settings_.view_table.empty() ? std::string(kDefaultViewTable) : settings_.view_table);
       BExcelExpEngine engine(settings_.spreadsheet, &view_table, kDefinitionAlias);
       engine.SetHost(&*host_);
       logs_->AttachTo(engine);
@@ -173,7 +166,6 @@ class Export {
     }
     ShowTransient("");
     databases_.reset();
-    RemoveOwnRecords();
     logs_->Flush();
     return Report(outcome, written);
   }
@@ -195,25 +187,6 @@ class Export {
       logs_.emplace(settings_);
     } catch (const std::system_error& error) {
       throw ArgumentError(error.what());
-    }
-  }
-
-  void RemoveAbandonedRecords() {
-    try {
-      const std::int64_t removed = analysis_run_.RemoveAbandoned(&Interrupted);
-      if (removed > 0 && settings_.verbose)
-        ShowLine("Removed " + std::to_string(removed) + " analysis records of a run that was killed.");
-    } catch (const DatabaseError& error) {
-      if (!settings_.quiet)
-        ShowLine("Warning: analysis records of killed runs could not be removed: " + error.Message());
-    }
-  }
-
-  void RemoveOwnRecords() {
-    try {
-      analysis_run_.Finish(Interrupted() ? kLastBusyTimeoutMs : AnalysisRun::kBusyTimeoutMs);
-    } catch (const DatabaseError& error) {
-      ShowError("the analysis records of this run stay until the next one: " + error.Message());
     }
   }
 
@@ -267,7 +240,6 @@ class Export {
   const Settings& settings_;
   std::optional<Logs> logs_;
   std::unique_ptr<Databases> databases_;
-  AnalysisRun analysis_run_;
   std::optional<CommandHost> host_;
 };
 

@@ -123,6 +123,10 @@ class Scenario::FailingDatabase final : public Database {
   }
   std::string Country() override { return real_->Country(); }
   std::string DateFormat() override { return real_->DateFormat(); }
+  void HoldRows(const RowsToHold& rows) override { real_->HoldRows(rows); }
+  void ReleaseRows(const std::string& table, const RowsToHold::Key& key) override {
+    real_->ReleaseRows(table, key);
+  }
   void NoteWrite() override { real_->NoteWrite(); }
 
   void Arm(std::string text, int count) {

@@ -1,9 +1,12 @@
 #include "platform/analysis/SetupTableAnalysisEngine.h"
 
 #include <limits>
-#include <vector>
+#include <utility>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/ResultSet.h"
+#include "platform/database/SqlText.h"
+#include "platform/database/SqlTokens.h"
 
 namespace excelexp {
 namespace {
@@ -14,12 +17,6 @@ constexpr std::string_view kMovementSubType = "ProjSubTypeMovement";
 int ResultOf(const AnlysProjectStructure& request, bool success) {
   if (request.AnlysProjectSubType == kMovementSubType) return success ? 0 : -1;
   return success ? 1 : 0;
-}
-
-std::string Quoted(const std::string& name) {
-  std::string quoted = "\"";
-  for (const char c : name) quoted += c == '"' ? "\"\"" : std::string(1, c);
-  return quoted + "\"";
 }
 
 /// One moment of the period order; comparable as a whole.
@@ -52,23 +49,28 @@ PeriodRange RangeOf(const AnlysProjectStructure& request) {
   return range;
 }
 
-std::string TextOf(const SqlValue& value) {
-  const auto* text = std::get_if<std::string>(&value);
-  return text == nullptr ? "" : *text;
+std::string Tuple(const Period& period) {
+  return "(" + std::to_string(period.year) + ", " + std::to_string(period.period) + ", " +
+         std::to_string(period.sub_period) + ")";
 }
 
 }  // namespace
 
+RowsToHold::Key AnalysisRecordKey(const AnlysProjectStructure& request) {
+  return {{"AnlysProjectId", request.AnlysProjectId}, {"AnlysIPAddress", request.AnlysIPAddress}};
+}
+
 SetupTableAnalysisEngine::SetupTableAnalysisEngine(const AnlysProjectStructure& request,
-                                                   std::shared_ptr<SqliteWriter> writer)
-    : request_(request), writer_(std::move(writer)) {}
+                                                   std::shared_ptr<Database> database)
+    : request_(request), database_(std::move(database)) {}
 
 int SetupTableAnalysisEngine::ExecuteOperation() {
   try {
-    writer_->BulkTransaction([this] {
-      DeleteRecords();
-      CopyRecords();
-    });
+    database_->HoldRows({.table = kAnalysisRecordTable,
+                         .key = AnalysisRecordKey(request_),
+                         .order = {"Basis1Id", "Basis2Id", "Basis3Id"},
+                         .select = SelectOfSetup(),
+                         .only = EmployeesOfView()});
     return ResultOf(request_, true);
   } catch (const DatabaseError& error) {
     if (on_failure_) on_failure_(error.what());
@@ -77,64 +79,46 @@ int SetupTableAnalysisEngine::ExecuteOperation() {
 }
 
 void SetupTableAnalysisEngine::DeleteOperation() {
-  writer_->BulkTransaction([this] { DeleteRecords(); });
+  database_->ReleaseRows(kAnalysisRecordTable, AnalysisRecordKey(request_));
 }
 
-void SetupTableAnalysisEngine::DeleteRecords() {
-  const std::vector<SqlValue> key = {request_.AnlysProjectId, request_.AnlysIPAddress};
-  // A table is emptied as a whole in a fraction of the time that its rows take one by one.
-  if (HoldsOnly(key)) {
-    writer_->Execute("DELETE FROM AnlysItemRecord");
-  } else {
-    writer_->Execute("DELETE FROM AnlysItemRecord WHERE AnlysProjectId = ?1 AND AnlysIPAddress = ?2", key);
+/// The rows of the period range, with the columns that a record has too.
+std::string SetupTableAnalysisEngine::SelectOfSetup() const {
+  const std::string setup = QuoteName(SetupName());
+  const auto none_of = [this](const std::string& table) {
+    return database_->Select("SELECT * FROM " + table + " LIMIT 0");
+  };
+  const std::shared_ptr<const ResultSet> record = none_of(kAnalysisRecordTable);
+  const std::shared_ptr<const ResultSet> figures = none_of(setup);
+  std::string columns;
+  for (int i = 0; i < record->ColumnCount(); ++i) {
+    const std::string& name = record->ColumnName(i);
+    if (name == "AnlysProjectId" || name == "AnlysIPAddress" || figures->ColumnIndex(name) < 0) continue;
+    columns += (columns.empty() ? "" : ", ") + QuoteName(name);
   }
+  constexpr std::string_view kMoment = "(AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod)";
+  const PeriodRange range = RangeOf(request_);
+  return "SELECT " + columns + " FROM " + setup + " WHERE " + std::string(kMoment) +
+         " >= " + Tuple(range.from) + " AND " + std::string(kMoment) + " <= " + Tuple(range.to);
 }
 
-/// Whether the first and the last record, in the order of the keys, have that key: then all of them have.
-bool SetupTableAnalysisEngine::HoldsOnly(const std::vector<SqlValue>& key) {
-  for (const char* end : {"SELECT AnlysProjectId, AnlysIPAddress FROM AnlysItemRecord "
-                          "ORDER BY AnlysIPAddress, AnlysProjectId LIMIT 1",
-                          "SELECT AnlysProjectId, AnlysIPAddress FROM AnlysItemRecord "
-                          "ORDER BY AnlysIPAddress DESC, AnlysProjectId DESC LIMIT 1"}) {
-    const auto record = writer_->Rows(end);
-    if (record.empty() || record.front() != key) return false;
-  }
-  return true;
-}
-
-void SetupTableAnalysisEngine::CopyRecords() {
-  const std::vector<SqlValue> setup = {request_.AnlysSetupId};
-  const auto names = writer_->Rows(
-      "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE", setup);
-  if (names.empty()) {
+/// The setup's name as it was declared.
+std::string SetupTableAnalysisEngine::SetupName() const {
+  const std::shared_ptr<const ResultSet> names =
+      database_->Select("SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name = " +
+                        SqlText(request_.AnlysSetupId) + " COLLATE NOCASE");
+  if (names->IsEmpty()) {
     throw DatabaseError("analysis project '" + request_.AnlysProjectId + "' names the setup '" +
                             request_.AnlysSetupId + "', which is no table or view",
                         "");
   }
-  std::string columns;
-  for (const auto& row :
-       writer_->Rows("SELECT record.name FROM pragma_table_info('AnlysItemRecord') AS record JOIN "
-                     "pragma_table_info(?1) AS setup ON record.name = setup.name COLLATE NOCASE "
-                     "WHERE record.name NOT IN ('AnlysProjectId', 'AnlysIPAddress')",
-                     setup)) {
-    columns += ", " + Quoted(TextOf(row[0]));
-  }
-  std::string restriction;
-  if (request_.SummaryLevel == "SumLevelEmpee" && view_table_ != nullptr) {
-    restriction = " AND Basis1Id IN (SELECT CAST(EmployeeSysId AS TEXT) FROM " +
-                  Quoted(view_table_->sGetViewTableName()) + ")";
-  }
-  const PeriodRange range = RangeOf(request_);
-  const std::vector<SqlValue> values = {request_.AnlysProjectId, request_.AnlysIPAddress, range.from.year,
-                                        range.from.period,       range.from.sub_period,   range.to.year,
-                                        range.to.period,         range.to.sub_period};
-  writer_->Execute(
-      "INSERT INTO AnlysItemRecord (AnlysProjectId, AnlysIPAddress" + columns + ") SELECT ?1, ?2" + columns +
-          " FROM " + Quoted(TextOf(names[0][0])) +
-          " WHERE (AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod) >= (?3, ?4, ?5)"
-          " AND (AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod) <= (?6, ?7, ?8)" +
-          restriction,
-      values);
+  return names->AsText(0, 0);
+}
+
+RowsToHold::Restriction SetupTableAnalysisEngine::EmployeesOfView() const {
+  if (request_.SummaryLevel != "SumLevelEmpee" || view_table_ == nullptr) return {};
+  return {.column = "Basis1Id",
+          .select = "SELECT EmployeeSysId FROM " + QuoteName(view_table_->sGetViewTableName())};
 }
 
 }  // namespace excelexp

@@ -13,15 +13,17 @@ namespace excelexp {
 namespace {
 
 // SELECT * shows neither hidden columns of virtual tables (1) nor anything else that is missing here.
-constexpr char kColumnsSql[] = "SELECT name, type FROM pragma_table_xinfo(?1) WHERE hidden <> 1";
+constexpr char kColumnsSql[] = "SELECT name, type FROM pragma_table_xinfo(?1, ?2) WHERE hidden <> 1";
 // A key that names no columns of its target means the target's primary key.
 constexpr char kKeysSql[] =
     "SELECT k.id, k.\"table\", k.\"from\", coalesce(k.\"to\", (SELECT t.name FROM "
-    "pragma_table_info(k.\"table\") t WHERE t.pk = k.seq + 1)) "
-    "FROM pragma_foreign_key_list(?1) k ORDER BY k.id, k.seq";
+    "pragma_table_info(k.\"table\", ?2) t WHERE t.pk = k.seq + 1)) "
+    "FROM pragma_foreign_key_list(?1, ?2) k ORDER BY k.id, k.seq";
+// The stored table tells the keys also where rows held in memory hide it.
 constexpr char kNameSql[] =
-    "SELECT name FROM (SELECT type, name FROM temp.sqlite_schema UNION ALL SELECT type, name FROM "
-    "main.sqlite_schema) WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE LIMIT 1";
+    "SELECT name, home FROM (SELECT type, name, 'main' AS home FROM main.sqlite_schema UNION ALL "
+    "SELECT type, name, 'temp' FROM temp.sqlite_schema) "
+    "WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE LIMIT 1";
 constexpr char kTablesSql[] =
     "SELECT name, type FROM main.sqlite_schema WHERE type IN ('table', 'view') AND name NOT LIKE "
     "'sqlite\\_%' "
@@ -45,32 +47,34 @@ void BindText(sqlite3_stmt* statement, int index, const std::string& text) {
 
 }  // namespace
 
-std::string Catalogue::DeclaredName(std::string_view name) const {
+Catalogue::Declared Catalogue::FindDeclared(std::string_view name) const {
   const SqliteStatement statement = connection_.Prepare(kNameSql, kNameSql);
   BindText(statement.get(), 1, std::string(name));
-  return connection_.Step(statement.get(), kNameSql) ? TextAt(statement.get(), 0) : std::string();
+  if (!connection_.Step(statement.get(), kNameSql)) return {};
+  return {TextAt(statement.get(), 0), TextAt(statement.get(), 1)};
 }
 
 void Catalogue::CreateSystemTables() {
-  if (DeclaredName("DUMMY").empty()) connection_.Execute(kDummySql);
-  own_system_tables_ = DeclaredName("SysTable").empty() && DeclaredName("SysColumn").empty();
+  if (FindDeclared("DUMMY").name.empty()) connection_.Execute(kDummySql);
+  own_system_tables_ = FindDeclared("SysTable").name.empty() && FindDeclared("SysColumn").name.empty();
   if (own_system_tables_) connection_.Execute(kSystemSql);
 }
 
 const TableShape* Catalogue::Find(std::string_view name) {
   const auto [entry, is_new] = tables_.try_emplace(FoldName(name));
   if (is_new) {
-    const std::string declared = DeclaredName(name);
-    if (!declared.empty()) entry->second = std::make_unique<TableShape>(Read(declared));
+    const Declared declared = FindDeclared(name);
+    if (!declared.name.empty()) entry->second = std::make_unique<TableShape>(Read(declared));
   }
   return entry->second.get();
 }
 
-TableShape Catalogue::Read(const std::string& name) const {
+TableShape Catalogue::Read(const Declared& declared) const {
   TableShape shape;
-  shape.name = name;
+  shape.name = declared.name;
   const SqliteStatement columns = connection_.Prepare(kColumnsSql, kColumnsSql);
-  BindText(columns.get(), 1, name);
+  BindText(columns.get(), 1, declared.name);
+  BindText(columns.get(), 2, declared.schema);
   try {
     while (connection_.Step(columns.get(), kColumnsSql))
       shape.columns.push_back({TextAt(columns.get(), 0), TextAt(columns.get(), 1)});
@@ -78,7 +82,8 @@ TableShape Catalogue::Read(const std::string& name) const {
     return shape;  // a view that does not compile; a statement that reads it will say why
   }
   const SqliteStatement keys = connection_.Prepare(kKeysSql, kKeysSql);
-  BindText(keys.get(), 1, name);
+  BindText(keys.get(), 1, declared.name);
+  BindText(keys.get(), 2, declared.schema);
   int id = -1;
   while (connection_.Step(keys.get(), kKeysSql)) {
     if (sqlite3_column_int(keys.get(), 0) != id) shape.keys.push_back({TextAt(keys.get(), 1), {}});

@@ -36,9 +36,12 @@ class Catalogue {
   void Forget();
 
  private:
-  TableShape Read(const std::string& name) const;
-  /// The name as it was declared; "" when there is no such table or view.
-  std::string DeclaredName(std::string_view name) const;
+  struct Declared {
+    std::string name;    ///< as it was declared; "" when there is no such table or view
+    std::string schema;  ///< "main" or "temp"
+  };
+  TableShape Read(const Declared& declared) const;
+  Declared FindDeclared(std::string_view name) const;
 
   const SqliteConnection& connection_;
   std::unordered_map<std::string, std::unique_ptr<TableShape>> tables_;  // by folded name

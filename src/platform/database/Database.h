@@ -3,10 +3,29 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace excelexp {
 
 class ResultSet;
+
+/// Rows of a table that a connection is to hold in its own memory.
+struct RowsToHold {
+  /// Column and value: what all of the rows have in common.
+  using Key = std::vector<std::pair<std::string, std::string>>;
+  /// Only rows in which the column has, as text, one of the values that the statement selects first.
+  struct Restriction {
+    std::string column;
+    std::string select;
+  };
+
+  std::string table;               ///< a table of the database: its columns, types and defaults hold
+  Key key;                         ///< replaces what is held under it
+  std::vector<std::string> order;  ///< by which columns the rows are found and sorted
+  std::string select;              ///< where they come from; gives columns of the table by name
+  Restriction only = {};           ///< an empty column restricts nothing
+};
 
 /// A read-only connection to one database, whatever its kind. Used from one thread.
 class Database {
@@ -29,6 +48,13 @@ class Database {
 
   /// The pattern in which the database shows dates, e.g. "dd/mm/yyyy".
   virtual std::string DateFormat() = 0;
+
+  /// Holds rows that only this connection sees. From then on it sees of the table what is held, under any
+  /// key, and nothing of what is stored. Columns that the statement does not give have their default. Throws
+  /// DatabaseError; what was held before stays then.
+  virtual void HoldRows(const RowsToHold& rows) = 0;
+  /// Forgets what is held under the key.
+  virtual void ReleaseRows(const std::string& table, const RowsToHold::Key& key) = 0;
 
   /// Says that another connection has written: ends the snapshot and drops what was remembered, so that the
   /// next Select sees the write.

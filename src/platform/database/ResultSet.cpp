@@ -322,7 +322,7 @@ ResultSetBuilder::ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
   result_->width_ = width;
 }
 
-void ResultSetBuilder::BeginRow() {
+bool ResultSetBuilder::BeginRow() {
   ResultSet& result = *result_;
   const std::size_t row = result.row_count_++ & (ResultSet::kBlockRows - 1);
   if (row == 0) {
@@ -339,6 +339,7 @@ void ResultSetBuilder::BeginRow() {
   }
   kind_ = block.kinds.get() + row * width_;
   bits_ = block.bits.get() + row * width_;
+  return row == 0;
 }
 
 void ResultSetBuilder::Resize(ResultSet::Block& block, std::size_t old_rows, std::size_t new_rows) {
@@ -373,6 +374,13 @@ void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
     throw DatabaseError("the result holds more text than 4 GiB", "");
   result_->text_.append(bytes);
   Add(kind, static_cast<std::uint64_t>(offset) << 32 | bytes.size());
+}
+
+void ResultSetBuilder::AddFrom(const ResultSet& source, int row, int column) {
+  const ResultSet::Value value =
+      source.AtUnchecked(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
+  const bool is_bytes = value.kind == Kind::kText || value.kind == Kind::kBlob;
+  is_bytes ? AddBytes(value.kind, source.TextOf(value.bits)) : Add(value.kind, value.bits);
 }
 
 std::size_t ResultSetBuilder::Bytes() const {

@@ -184,13 +184,21 @@ class ResultSetBuilder {
   ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
                    std::shared_ptr<const std::vector<int>> places, std::size_t width);
 
-  /// Makes room for one more row; its columns are then to be added.
-  void BeginRow();
+  /// Makes room for one more row; its columns are then to be added. True when no row stands above it in
+  /// memory.
+  bool BeginRow();
   void AddNull() { Add(ResultSet::Kind::kNull, 0); }
   void AddInteger(std::int64_t value) { Add(ResultSet::Kind::kInteger, static_cast<std::uint64_t>(value)); }
   void AddFloat(double value);
   void AddText(std::string_view text) { AddBytes(ResultSet::Kind::kText, text); }
   void AddBlob(std::string_view bytes) { AddBytes(ResultSet::Kind::kBlob, bytes); }
+
+  /// The value of the row above, if one stands there.
+  void AddSame() {
+    Add(kind_[-static_cast<std::ptrdiff_t>(width_)], bits_[-static_cast<std::ptrdiff_t>(width_)]);
+  }
+  /// The same value as in another result, one that is complete.
+  void AddFrom(const ResultSet& source, int row, int column);
 
   /// How many columns are to be added to a row.
   std::size_t Width() const { return width_; }

@@ -6,6 +6,8 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
+#include <limits>
+#include <numeric>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -14,6 +16,8 @@
 #include "platform/database/DatabaseError.h"
 #include "platform/database/Dialect.h"
 #include "platform/database/DistinctOrder.h"
+#include "platform/database/HeldSelect.h"
+#include "platform/database/HeldTables.h"
 #include "platform/database/Names.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/ResultSet.h"
@@ -27,6 +31,7 @@ namespace {
 
 // Who only wants to know whether there are rows reads no more than these.
 constexpr int kFirstRows = 256;
+constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
 
@@ -124,6 +129,8 @@ class SqliteDatabase final : public Database {
   std::string ColumnType(std::string_view table, std::string_view column) override;
   std::string Country() override { return Parameter("Country", ""); }
   std::string DateFormat() override { return Parameter("DateFormat", kDefaultDateFormat); }
+  void HoldRows(const RowsToHold& rows) override;
+  void ReleaseRows(const std::string& table, const RowsToHold::Key& key) override;
   void NoteWrite() override;
 
  private:
@@ -136,12 +143,22 @@ class SqliteDatabase final : public Database {
 
   std::shared_ptr<const ResultSet> Run(const std::string& sql);
   std::shared_ptr<const ResultSet> Read(KeptStatement& kept, const std::string& sql, const Reading& reading);
+  std::shared_ptr<const ResultSet> ReadHeld(KeptStatement& kept, const std::string& sql,
+                                            const Reading& reading);
+  HeldSelect* HeldSelectOf(KeptStatement& kept);
+  std::shared_ptr<const ResultSet> ReadJoined(sqlite3_stmt* statement, std::string_view value,
+                                              const std::string& sql);
+  std::shared_ptr<const ResultSet> Partial(ResultSetBuilder& builder, const std::string& sql,
+                                           bool has_more_rows, std::optional<DateTime> moment);
+  std::shared_ptr<const HeldRows> ReadRowsToHold(const HeldTable& table, const RowsToHold& rows);
   bool ReadRows(sqlite3_stmt* statement, const std::string& sql, bool all_rows, ResultSetBuilder& builder);
   std::shared_ptr<const ResultSet> FetchRest(const std::string& sql, ResultSet::Missing missing,
                                              std::optional<DateTime> moment);
+  [[noreturn]] void FailSize(const std::string& sql) const;
   CompiledQuery Compile(const std::string& sql, const std::string& sent);
   void NoteFailure(const DatabaseError& error, const std::string& sql);
 
+  void ForgetResults();
   void NotePartial(const std::shared_ptr<const ResultSet>& result);
   void CompletePartial();
 
@@ -156,6 +173,7 @@ class SqliteDatabase final : public Database {
   SqliteConnection connection_;
   SqliteGuard guard_;
   Catalogue catalogue_;
+  HeldTables held_;
   FindTable find_table_;
   StatementPool statements_;
   StoredFunctions functions_;
@@ -182,6 +200,7 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
                   {options_.cancelled, options_.now}),
       guard_(connection_),
       catalogue_(connection_),
+      held_(connection_),
       find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
       statements_(connection_, guard_,
                   [this](const std::string& sql, const std::string& sent) { return Compile(sql, sent); }),
@@ -239,6 +258,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const std::string& sql,
                                                       const Reading& reading) {
+  if (std::shared_ptr<const ResultSet> held = ReadHeld(kept, sql, reading)) return held;
   reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
   // A function of the database may turn out to ask for it.
   const bool asks_moment = kept.whole.traits.is_volatile || kept.whole.traits.calls_stored;
@@ -260,12 +280,65 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
       return Read(statements_.Bound(sql), sql, {.all_rows = true, .all_columns = true, .moment = moment});
     }
   }
-  if (!is_partial) return builder.Finish();
+  return is_partial ? Partial(builder, sql, has_more_rows, moment) : builder.Finish();
+}
+
+std::shared_ptr<const ResultSet> SqliteDatabase::Partial(ResultSetBuilder& builder, const std::string& sql,
+                                                         bool has_more_rows, std::optional<DateTime> moment) {
   std::shared_ptr<const ResultSet> result = builder.Finish(
       has_more_rows,
       [this, sql, moment](ResultSet::Missing missing) { return FetchRest(sql, missing, moment); });
   NotePartial(result);
   return result;
+}
+
+/// nullptr for a statement that rows held in memory do not answer.
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadHeld(KeptStatement& kept, const std::string& sql,
+                                                          const Reading& reading) {
+  HeldSelect* const select = HeldSelectOf(kept);
+  if (select == nullptr) return nullptr;
+  const std::size_t most = reading.all_rows ? kAllRows : kFirstRows;
+  const HeldSelect::Found found = select->Find(statements_.Values(), most);
+  const bool has_more_rows = found.places.size() > most;
+  // The first result of a shape shows what its readers want.
+  const bool all_columns = reading.all_columns || kept.runs == 0;
+  std::vector<int> wanted = kept.columns->Asked();
+  if (all_columns) {
+    wanted.resize(static_cast<std::size_t>(kept.columns->Count()));
+    std::iota(wanted.begin(), wanted.end(), 0);
+  }
+  auto places = std::make_shared<std::vector<int>>(kept.columns->Count(), -1);
+  for (int i = 0; i < static_cast<int>(wanted.size()); ++i)
+    places->at(static_cast<std::size_t>(wanted[i])) = i;
+  ResultSetBuilder builder = all_columns ? ResultSetBuilder(kept.columns)
+                                         : ResultSetBuilder(kept.columns, std::move(places), wanted.size());
+  const auto read_joined = [&](sqlite3_stmt* joined, std::string_view value) {
+    return ReadJoined(joined, value, sql);
+  };
+  const std::size_t count = std::min(found.places.size(), most);
+  if (!select->AddRows(found, count, wanted, writes_noted_, read_joined, builder)) return nullptr;
+  if (builder.Bytes() > options_.max_result_bytes) FailSize(sql);
+  const bool is_partial = has_more_rows || !all_columns;
+  return is_partial ? Partial(builder, sql, has_more_rows, std::nullopt) : builder.Finish();
+}
+
+HeldSelect* SqliteDatabase::HeldSelectOf(KeptStatement& kept) {
+  if (!kept.held) {
+    kept.held =
+        kept.may_narrow && !held_.IsEmpty()
+            ? HeldSelect::Of(kept.shape, statements_.Values(), kept.whole.statement.get(), held_, find_table_,
+                             [this](const std::string& sql) { return Compile(sql, sql); })
+            : nullptr;
+  }
+  return kept.held->get();
+}
+
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadJoined(sqlite3_stmt* statement, std::string_view value,
+                                                            const std::string& sql) {
+  ResultSetBuilder rows(std::vector<std::string>(static_cast<std::size_t>(sqlite3_column_count(statement))));
+  sqlite3_bind_text64(statement, 1, value.data(), value.size(), SQLITE_STATIC, SQLITE_UTF8);
+  ReadRows(statement, sql, true, rows);
+  return rows.Finish();
 }
 
 /// False when there are more rows than were wanted.
@@ -279,12 +352,14 @@ bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, b
     if (!all_rows && ++rows > kFirstRows) return false;
     builder.BeginRow();
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
-    if (builder.Bytes() > options_.max_result_bytes) {
-      throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
-                          sql);
-    }
+    if (builder.Bytes() > options_.max_result_bytes) FailSize(sql);
   }
   return true;
+}
+
+void SqliteDatabase::FailSize(const std::string& sql) const {
+  throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
+                      sql);
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sql, ResultSet::Missing missing,
@@ -371,11 +446,61 @@ std::int64_t SqliteDatabase::Pragma(const char* sql, const std::string& sent) {
 }
 
 void SqliteDatabase::NoteWrite() {
+  ForgetResults();
+  EndSnapshot();
+}
+
+void SqliteDatabase::ForgetResults() {
   ++writes_noted_;
   cache_.Clear();
   CompletePartial();
   functions_.Forget();
-  EndSnapshot();
+}
+
+void SqliteDatabase::HoldRows(const RowsToHold& rows) {
+  try {
+    if (!in_snapshot_) BeginSnapshot(rows.select);
+    HeldTable* table = held_.Find(rows.table);
+    std::unique_ptr<HeldTable> made;
+    if (table == nullptr) {
+      const SqliteGuard::Pass pass(guard_);
+      made = held_.Describe(rows);
+      table = made.get();
+    }
+    std::shared_ptr<const HeldRows> held = ReadRowsToHold(*table, rows);
+    ForgetResults();
+    if (made != nullptr) {
+      const SqliteGuard::Pass pass(guard_);
+      statements_.Clear();
+      held_.Install(std::move(made));
+    }
+    table->Replace(table->KeyOf(rows.key), std::move(held));
+  } catch (const DatabaseError& error) {
+    NoteFailure(error, rows.select);
+    throw;
+  }
+}
+
+std::shared_ptr<const HeldRows> SqliteDatabase::ReadRowsToHold(const HeldTable& table,
+                                                               const RowsToHold& rows) {
+  std::vector<std::string> texts;
+  if (!rows.only.column.empty()) {
+    const std::shared_ptr<const ResultSet> allowed = Select(rows.only.select);
+    for (int row = 0; row < allowed->RowCount(); ++row) {
+      if (!allowed->IsNull(row, 0)) texts.push_back(allowed->AsText(row, 0));
+    }
+  }
+  const CompiledQuery select = Compile(rows.select, rows.select);
+  connection_.BeginStatement();
+  const Running running(running_);
+  return held_.Read(table, rows, select.statement.get(), std::move(texts), options_.max_result_bytes);
+}
+
+void SqliteDatabase::ReleaseRows(const std::string& name, const RowsToHold::Key& key) {
+  HeldTable* const table = held_.Find(name);
+  if (table == nullptr) return;
+  ForgetResults();
+  table->Remove(table->KeyOf(key));
 }
 
 void SqliteDatabase::ForgetSchema() {

@@ -3,9 +3,11 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/database/HeldSelect.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/SqlShape.h"
 #include "platform/database/StoredFunctions.h"
@@ -29,6 +31,8 @@ struct KeptStatement {
   bool met_volatile = false;  ///< one of its functions asked for something volatile
   bool may_narrow = true;
   NarrowStatement narrow = {};
+  /// How rows held in memory answer it; no pointer when they do not, nothing before that was looked for.
+  std::optional<std::unique_ptr<HeldSelect>> held = {};
 };
 
 /// The statements used last, compiled once for each shape.
@@ -40,6 +44,8 @@ class StatementPool {
 
   /// The statement of the text's shape with the text's values bound. Valid until the next call.
   KeptStatement& Bound(const std::string& sql);
+  /// The values that the text of the last call compares columns with; they point into it.
+  const std::vector<SqlComparand>& Values() const { return values_; }
   void Clear() { kept_.clear(); }
 
  private:

@@ -7,12 +7,21 @@
 #include <system_error>
 
 #include "platform/analysis/SetupTableAnalysisEngine.h"
+#include "platform/database/DatabaseRegistry.h"
 #include "platform/spreadsheet/SpreadsheetError.h"
 
 namespace excelexp {
 
-BatchHost::BatchHost(const std::string& database_file, std::string output_file)
-    : writer_(std::make_shared<SqliteWriter>(database_file)), output_file_(std::move(output_file)) {}
+BatchHost::~BatchHost() {
+  for (const Records& each : records_) {
+    try {
+      if (const std::shared_ptr<Database> database = each.database.lock())
+        database->ReleaseRows(kAnalysisRecordTable, each.key);
+    } catch (...) {
+      // Whoever still reads them learns of it there.
+    }
+  }
+}
 
 std::optional<std::string> BatchHost::AskSaveFile(const std::string& proposed) {
   std::string file = output_file_.empty() ? SafeFileName(proposed) : output_file_;
@@ -23,9 +32,12 @@ std::optional<std::string> BatchHost::AskSaveFile(const std::string& proposed) {
 void BatchHost::ShowInformation(const std::string& /*text*/) {}
 
 std::unique_ptr<BAnalysisRptEng> BatchHost::CreateAnalysisRptEng(const AnlysProjectStructure& request,
-                                                                 const std::string& /*database_name*/,
+                                                                 const std::string& database_name,
                                                                  bool /*interactive*/) {
-  auto analysis = std::make_unique<SetupTableAnalysisEngine>(request, writer_);
+  const std::shared_ptr<Database> database = DatabaseRegistry::Find(database_name);
+  if (database == nullptr) return nullptr;
+  records_.push_back({database, AnalysisRecordKey(request)});
+  auto analysis = std::make_unique<SetupTableAnalysisEngine>(request, database);
   analysis->SetOnFailure([this, project = request.AnlysProjectId](const std::string& message) {
     OnAnalysisFailure(project, message);
   });

@@ -2,25 +2,29 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "platform/database/SqliteWriter.h"
+#include "platform/database/Database.h"
 #include "platform/host/HostServices.h"
 
 namespace excelexp {
 
 /// A host without a user: the output file is given in advance, information boxes are passed over, and the
-/// analysis engine works on the tables of one SQLite file.
+/// analysis engine makes its records from the setups that the database brings along.
 class BatchHost : public HostServices {
  public:
-  /// Opens `database_file` for the analysis records; throws DatabaseError when that fails.
   /// An empty `output_file` takes the name that the definition proposes, into the current folder, without its
   /// folders.
-  BatchHost(const std::string& database_file, std::string output_file);
+  explicit BatchHost(std::string output_file) : output_file_(std::move(output_file)) {}
+  /// Deletes the analysis records that a failed export left in memory.
+  ~BatchHost() override;
 
   /// Throws SpreadsheetError when the file could not be written anyway: a folder of that name, or a folder to
   /// write into that is not there or may not be written. So it is told before the work.
   std::optional<std::string> AskSaveFile(const std::string& proposed) override;
   void ShowInformation(const std::string& text) override;
+  /// nullptr when no database is registered under the name.
   std::unique_ptr<BAnalysisRptEng> CreateAnalysisRptEng(const AnlysProjectStructure& request,
                                                         const std::string& database_name,
                                                         bool interactive) override;
@@ -29,11 +33,14 @@ class BatchHost : public HostServices {
   /// The analysis engine could not generate the records of a request: which project, and why.
   virtual void OnAnalysisFailure(const std::string& project, const std::string& message);
 
-  const std::shared_ptr<SqliteWriter>& Writer() const { return writer_; }
-
  private:
-  std::shared_ptr<SqliteWriter> writer_;
+  struct Records {
+    std::weak_ptr<Database> database;
+    RowsToHold::Key key;
+  };
+
   std::string output_file_;
+  std::vector<Records> records_;
 };
 
 /// The last component of a proposed name, safe to use inside a chosen folder: what stands before a path

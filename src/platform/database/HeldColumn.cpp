@@ -1,0 +1,260 @@
+#include "platform/database/HeldColumn.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+#include "platform/database/DatabaseError.h"
+
+namespace excelexp {
+namespace {
+
+// Numbers are held as they are from the moment that so many of them differ, and an eighth of the rows.
+constexpr std::size_t kManyNumbers = 1000;
+constexpr std::size_t kRowsPerNumber = 8;
+
+bool IsNumber(HeldValue::Kind kind) {
+  return kind == HeldValue::Kind::kInteger || kind == HeldValue::Kind::kFloat;
+}
+
+std::size_t HashOf(const HeldValue& value) {
+  constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
+  const std::uint64_t hash = value.bytes.empty() ? static_cast<std::uint64_t>(value.integer)
+                                                 : std::hash<std::string_view>()(value.bytes);
+  const std::uint64_t mixed = (hash + static_cast<std::uint64_t>(value.kind)) * kOdd;
+  return mixed ^ mixed >> 32;
+}
+
+/// Kinds in the order of an index; numbers of both kinds are one.
+int RankOf(HeldValue::Kind kind) {
+  switch (kind) {
+    case HeldValue::Kind::kNull:
+      return 0;
+    case HeldValue::Kind::kInteger:
+    case HeldValue::Kind::kFloat:
+      return 1;
+    case HeldValue::Kind::kText:
+      return 2;
+    case HeldValue::Kind::kBlob:
+      break;
+  }
+  return 3;
+}
+
+}  // namespace
+
+HeldValue HeldValue::Float(double value) {
+  return {Kind::kFloat, std::bit_cast<std::int64_t>(value)};
+}
+
+double HeldValue::AsFloat() const {
+  return kind == Kind::kFloat ? std::bit_cast<double>(integer) : static_cast<double>(integer);
+}
+
+bool ComesBefore(const HeldValue& a, const HeldValue& b) {
+  if (RankOf(a.kind) != RankOf(b.kind)) return RankOf(a.kind) < RankOf(b.kind);
+  if (!IsNumber(a.kind)) return a.bytes < b.bytes;
+  const bool whole = a.kind == HeldValue::Kind::kInteger && b.kind == HeldValue::Kind::kInteger;
+  return whole ? a.integer < b.integer : a.AsFloat() < b.AsFloat();
+}
+
+HeldValue HeldColumn::Unpacked(Kind kind, std::uint64_t bits) const {
+  if (kind != Kind::kText && kind != Kind::kBlob) return {kind, static_cast<std::int64_t>(bits)};
+  return {kind, 0, std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu)};
+}
+
+HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
+  if (value.kind != Kind::kText && value.kind != Kind::kBlob)
+    return {value.kind, 0, static_cast<std::uint64_t>(value.integer)};
+  const std::size_t offset = text_.size();
+  if (offset + value.bytes.size() > std::numeric_limits<std::uint32_t>::max())
+    throw DatabaseError("the rows hold more text than 4 GiB in one column", "");
+  text_.append(value.bytes);
+  return {value.kind, 0, static_cast<std::uint64_t>(offset) << 32 | value.bytes.size()};
+}
+
+void HeldColumn::Add(const HeldValue& value) {
+  if (!is_plain_) {
+    AddCode(CodeOf(value));
+    if (RepeatsTooLittle()) HoldPlain();
+    return;
+  }
+  const Value packed = Pack(value);
+  plain_kinds_.push_back(packed.kind);
+  plain_bits_.push_back(packed.bits);
+  ++rows_;
+}
+
+void HeldColumn::AddCode(Code code) {
+  if (width_ == 1) {
+    codes_.push_back(static_cast<std::uint8_t>(code));
+  } else if (width_ > 1) {
+    codes_.resize(codes_.size() + width_);
+    StoreCode(rows_, code);
+  }
+  ++rows_;
+}
+
+bool HeldColumn::Is(Code code, const HeldValue& value) const {
+  const Value& known = values_[code];
+  if (known.kind != value.kind) return false;
+  if (value.kind != Kind::kText && value.kind != Kind::kBlob)
+    return static_cast<std::int64_t>(known.bits) == value.integer;
+  return (known.bits & 0xffffffffu) == value.bytes.size() &&
+         std::memcmp(text_.data() + (known.bits >> 32), value.bytes.data(), value.bytes.size()) == 0;
+}
+
+HeldColumn::Code HeldColumn::CodeOf(const HeldValue& value) {
+  if (values_.empty()) return last_ = SearchCode(value);
+  if (Is(last_, value)) return last_;
+  const Code next = values_[last_].next;
+  if (Is(next, value)) return last_ = next;
+  const Code code = SearchCode(value);
+  values_[last_].next = code;
+  return last_ = code;
+}
+
+HeldColumn::Code HeldColumn::SearchCode(const HeldValue& value) {
+  if (values_.size() * 2 >= slots_.size()) GrowSlots();
+  Code& slot = slots_[SlotOf(value)];
+  if (slot != 0) return slot - 1;
+  values_.push_back(Pack(value));
+  slot = static_cast<Code>(values_.size());
+  const std::size_t highest = values_.size() - 1;
+  const std::size_t width = highest == 0 ? 0 : highest <= 0xff ? 1 : highest <= 0xffff ? 2 : 4;
+  if (width > width_) Widen(width);
+  return slot - 1;
+}
+
+std::optional<HeldColumn::Code> HeldColumn::Find(const HeldValue& value) const {
+  if (slots_.empty()) return std::nullopt;
+  const Code slot = slots_[SlotOf(value)];
+  return slot == 0 ? std::nullopt : std::optional(slot - 1);
+}
+
+/// Where the value stands, or where it would.
+std::size_t HeldColumn::SlotOf(const HeldValue& value) const {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t slot = HashOf(value) & mask;
+  while (slots_[slot] != 0 && !Is(slots_[slot] - 1, value)) slot = (slot + 1) & mask;
+  return slot;
+}
+
+void HeldColumn::GrowSlots() {
+  slots_.assign(std::bit_ceil(values_.size() * 4 + 8), 0);
+  for (Code code = 0; code < values_.size(); ++code) slots_[SlotOf(ValueOf(code))] = code + 1;
+}
+
+HeldColumn::Code HeldColumn::CodeAt(std::size_t row) const {
+  const std::uint8_t* const at = codes_.data() + row * width_;
+  switch (width_) {
+    case 0:
+      return 0;
+    case 1:
+      return *at;
+    case 2: {
+      std::uint16_t code = 0;
+      std::memcpy(&code, at, sizeof code);
+      return code;
+    }
+    default: {
+      Code code = 0;
+      std::memcpy(&code, at, sizeof code);
+      return code;
+    }
+  }
+}
+
+void HeldColumn::StoreCode(std::size_t row, Code code) {
+  std::uint8_t* const at = codes_.data() + row * width_;
+  switch (width_) {
+    case 0:
+      break;
+    case 1:
+      *at = static_cast<std::uint8_t>(code);
+      break;
+    case 2: {
+      const auto half = static_cast<std::uint16_t>(code);
+      std::memcpy(at, &half, sizeof half);
+      break;
+    }
+    default:
+      std::memcpy(at, &code, sizeof code);
+  }
+}
+
+void HeldColumn::Widen(std::size_t width) {
+  HeldColumn narrow(numbers_);
+  narrow.width_ = std::exchange(width_, width);
+  narrow.codes_ = std::exchange(codes_, std::vector<std::uint8_t>(rows_ * width));
+  for (std::size_t row = 0; row < rows_; ++row) StoreCode(row, narrow.CodeAt(row));
+}
+
+bool HeldColumn::RepeatsTooLittle() const {
+  return numbers_ == Numbers::kAsTheyCome && values_.size() > kManyNumbers &&
+         values_.size() * kRowsPerNumber > rows_ && IsNumber(values_.back().kind);
+}
+
+void HeldColumn::HoldPlain() {
+  plain_bits_.reserve(rows_ * 2);
+  plain_kinds_.reserve(rows_ * 2);
+  for (std::size_t row = 0; row < rows_; ++row) {
+    plain_bits_.push_back(values_[CodeAt(row)].bits);
+    plain_kinds_.push_back(values_[CodeAt(row)].kind);
+  }
+  is_plain_ = true;
+  codes_ = {};
+  values_ = {};
+  slots_ = {};
+}
+
+void HeldColumn::SortCodes() {
+  std::vector<Code> sorted(values_.size());
+  std::iota(sorted.begin(), sorted.end(), 0);
+  std::ranges::sort(sorted, [this](Code a, Code b) { return ComesBefore(ValueOf(a), ValueOf(b)); });
+  std::vector<Code> rank(values_.size());
+  std::vector<Value> values(values_.size());
+  for (Code code = 0; code < sorted.size(); ++code) {
+    rank[sorted[code]] = code;
+    values[code] = values_[sorted[code]];
+  }
+  for (std::size_t row = 0; row < rows_; ++row) StoreCode(row, rank[CodeAt(row)]);
+  values_ = std::move(values);
+  GrowSlots();
+}
+
+void HeldColumn::Reorder(const std::vector<std::uint32_t>& order) {
+  if (is_plain_) {
+    std::vector<std::uint64_t> bits(rows_);
+    std::vector<Kind> kinds(rows_);
+    for (std::size_t row = 0; row < rows_; ++row) {
+      bits[row] = plain_bits_[order[row]];
+      kinds[row] = plain_kinds_[order[row]];
+    }
+    plain_bits_ = std::move(bits);
+    plain_kinds_ = std::move(kinds);
+  } else if (width_ > 0) {
+    HeldColumn old(numbers_);
+    old.width_ = width_;
+    old.codes_ = std::exchange(codes_, std::vector<std::uint8_t>(codes_.size()));
+    for (std::size_t row = 0; row < rows_; ++row) StoreCode(row, old.CodeAt(order[row]));
+  }
+}
+
+void HeldColumn::Shrink() {
+  codes_.shrink_to_fit();
+  text_.shrink_to_fit();
+  plain_bits_.shrink_to_fit();
+  plain_kinds_.shrink_to_fit();
+}
+
+std::size_t HeldColumn::Bytes() const {
+  return codes_.capacity() + values_.capacity() * sizeof(Value) + slots_.capacity() * sizeof(Code) +
+         text_.capacity() + plain_bits_.capacity() * sizeof(std::uint64_t) + plain_kinds_.capacity();
+}
+
+}  // namespace excelexp

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace excelexp {
+
+/// One value as the database knows them. A text or blob points into whatever the value came from.
+struct HeldValue {
+  enum class Kind : std::uint8_t { kNull, kInteger, kFloat, kText, kBlob };
+  Kind kind = Kind::kNull;
+  std::int64_t integer = 0;  ///< of an integer; of a float its bits
+  std::string_view bytes = {};
+
+  static HeldValue Integer(std::int64_t value) { return {Kind::kInteger, value}; }
+  static HeldValue Float(double value);
+  static HeldValue Text(std::string_view text) { return {Kind::kText, 0, text}; }
+  double AsFloat() const;
+  friend bool operator==(const HeldValue&, const HeldValue&) = default;
+};
+
+/// The order in which an index holds values: NULL, numbers by size, texts and blobs by their bytes.
+bool ComesBefore(const HeldValue& a, const HeldValue& b);
+
+/// The values of one column of many rows, packed: most columns of payroll figures repeat a few values, so a
+/// row holds the number (code) of its value in 0, 1, 2 or 4 bytes; one value for all rows takes no room.
+/// Numbers that hardly repeat are held as they are, in 9 bytes, unless the codes are needed.
+class HeldColumn {
+ public:
+  using Code = std::uint32_t;
+  enum class Numbers { kAsTheyCome, kByCode };
+  explicit HeldColumn(Numbers numbers = Numbers::kAsTheyCome) : numbers_(numbers) {}
+
+  /// Appends a row. Throws DatabaseError beyond 4 GiB of text.
+  void Add(const HeldValue& value);
+  /// The code of a value, which gets one if it has none. Only while the column has codes.
+  Code CodeOf(const HeldValue& value);
+
+  /// Texts point into the column and stay as long as it does.
+  HeldValue At(std::size_t row) const { return is_plain_ ? Plain(row) : ValueOf(CodeAt(row)); }
+  Code CodeAt(std::size_t row) const;
+  HeldValue ValueOf(Code code) const { return Unpacked(values_[code].kind, values_[code].bits); }
+  /// Nothing for a value that no row has.
+  std::optional<Code> Find(const HeldValue& value) const;
+  /// False for numbers held as they are: they have no codes.
+  bool HasCodes() const { return !is_plain_; }
+  /// How many different values have codes.
+  std::size_t CodeCount() const { return values_.size(); }
+
+  /// Numbers the values anew in the order of ComesBefore, so that codes compare as values do.
+  void SortCodes();
+  /// Row i becomes what row order[i] was.
+  void Reorder(const std::vector<std::uint32_t>& order);
+  /// Gives back what was allocated ahead.
+  void Shrink();
+
+  std::size_t Bytes() const;
+
+ private:
+  using Kind = HeldValue::Kind;
+  // A text or blob as its offset (high half) and length in text_. Rows repeat each other's sequences: `next`
+  // is the code that came after this one the last time.
+  struct Value {
+    Kind kind;
+    Code next;
+    std::uint64_t bits;
+  };
+
+  HeldValue Unpacked(Kind kind, std::uint64_t bits) const;
+  HeldValue Plain(std::size_t row) const { return Unpacked(plain_kinds_[row], plain_bits_[row]); }
+  Value Pack(const HeldValue& value);
+  bool Is(Code code, const HeldValue& value) const;
+  Code SearchCode(const HeldValue& value);
+  void AddCode(Code code);
+  std::size_t SlotOf(const HeldValue& value) const;
+  void GrowSlots();
+  void Widen(std::size_t width);
+  void StoreCode(std::size_t row, Code code);
+  bool RepeatsTooLittle() const;
+  void HoldPlain();
+
+  Numbers numbers_;
+  bool is_plain_ = false;
+  std::size_t rows_ = 0;
+  std::size_t width_ = 0;            // bytes of a code
+  std::vector<std::uint8_t> codes_;  // rows_ x width_
+  Code last_ = 0;                    // what CodeOf told last
+  std::vector<Value> values_;        // by code
+  std::vector<Code> slots_;          // code + 1 by hash, or 0; a power of two of them
+  std::string text_;
+  std::vector<std::uint64_t> plain_bits_;
+  std::vector<Kind> plain_kinds_;
+};
+
+}  // namespace excelexp

@@ -1,0 +1,307 @@
+#include "platform/database/HeldTableModule.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/database/HeldTables.h"
+#include "platform/database/SqlTokens.h"
+#include "platform/database/SqliteConnection.h"
+
+// The module's functions are called by SQLite as its manual, "The Virtual Table Mechanism Of SQLite", tells.
+
+namespace excelexp {
+namespace {
+
+struct Table : sqlite3_vtab {
+  const HeldTable* held;
+};
+
+/// The rows of one key that a search goes through.
+struct Stretch {
+  std::shared_ptr<const HeldRows> rows;
+  HeldRows::Range range;
+};
+
+struct Cursor : sqlite3_vtab_cursor {
+  std::vector<Stretch> stretches;
+  std::size_t stretch = 0;
+  std::size_t row = 0;
+  int distinct_by = 0;  // of rows alike in so many order columns one is enough
+
+  const HeldTable& Held() const { return *static_cast<const Table*>(pVtab)->held; }
+
+  void EnterStretch() {
+    while (stretch < stretches.size() && stretches[stretch].range.begin == stretches[stretch].range.end)
+      ++stretch;
+    if (stretch < stretches.size()) row = stretches[stretch].range.begin;
+  }
+
+  bool IsLikeNext() const {
+    const std::vector<int>& order = Held().OrderColumns();
+    return std::all_of(order.begin(), order.begin() + distinct_by, [this](int place) {
+      const HeldColumn& column = stretches[stretch].rows->Column(place);
+      return column.CodeAt(row) == column.CodeAt(row + 1);
+    });
+  }
+
+  void Next() {
+    const std::size_t end = stretches[stretch].range.end;
+    if (distinct_by > 0) {
+      while (row + 1 < end && IsLikeNext()) ++row;
+    }
+    if (++row < end) return;
+    ++stretch;
+    EnterStretch();
+  }
+};
+
+Cursor& CursorOf(sqlite3_vtab_cursor* cursor) {
+  return *static_cast<Cursor*>(cursor);
+}
+
+/// An exception must not pass through SQLite.
+template <typename Work>
+int Guarded(const Work& work) {
+  try {
+    work();
+    return SQLITE_OK;
+  } catch (...) {
+    return SQLITE_NOMEM;
+  }
+}
+
+int Connect(sqlite3* handle, void* tables, int /*count*/, const char* const* arguments, sqlite3_vtab** made,
+            char** /*error*/) {
+  const HeldTable* held = static_cast<HeldTables*>(tables)->Find(arguments[2]);
+  if (held == nullptr) return SQLITE_ERROR;
+  return Guarded([&] {
+    std::string declaration;
+    for (const HeldTable::Column& column : held->Columns()) {
+      declaration += (declaration.empty() ? "CREATE TABLE t(" : ", ") + QuoteName(column.name) + " " +
+                     column.declared_type;
+    }
+    declaration += ")";
+    if (sqlite3_declare_vtab(handle, declaration.c_str()) != SQLITE_OK) throw std::bad_alloc();
+    auto table = std::make_unique<Table>();
+    table->held = held;
+    *made = table.release();
+  });
+}
+
+int Disconnect(sqlite3_vtab* table) {
+  delete static_cast<Table*>(table);
+  return SQLITE_OK;
+}
+
+// How a search is told to Filter: a letter for each value it gets, 'A' and on for the key columns, 'a' and on
+// for the leading order columns; the number says by how many order columns rows may differ at least.
+constexpr char kKey = 'A';
+constexpr char kOrder = 'a';
+
+/// Takes the condition "column = value" as the next value of the search, if there is such a condition.
+bool TakeEquality(sqlite3_index_info* info, int column, char letter, std::string& plan) {
+  for (int i = 0; i < info->nConstraint; ++i) {
+    const auto& constraint = info->aConstraint[i];
+    if (constraint.iColumn != column || constraint.usable == 0 ||
+        constraint.op != SQLITE_INDEX_CONSTRAINT_EQ || info->aConstraintUsage[i].argvIndex != 0 ||
+        std::string_view(sqlite3_vtab_collation(info, i)) != "BINARY") {
+      continue;
+    }
+    plan += letter;
+    info->aConstraintUsage[i].argvIndex = static_cast<int>(plan.size());
+    return true;
+  }
+  return false;
+}
+
+/// By how many leading order columns, beside the key, the rows that the statement sees can differ; nothing
+/// when it reads any other column.
+std::optional<int> DistinctBy(const HeldTable& held, const sqlite3_index_info& info) {
+  constexpr int kLastBit = 63;  // stands for all columns from there on
+  sqlite3_uint64 others = info.colUsed;
+  for (const int column : held.KeyColumns()) others &= ~(sqlite3_uint64{1} << std::min(column, kLastBit));
+  if ((info.colUsed >> kLastBit) != 0) return std::nullopt;
+  int count = 0;
+  for (const int column : held.OrderColumns()) {
+    if (others == 0) break;
+    others &= ~(sqlite3_uint64{1} << std::min(column, kLastBit));
+    ++count;
+  }
+  return others == 0 ? std::optional(count) : std::nullopt;
+}
+
+/// Whether rows of one key come as the statement wants them sorted.
+bool IsInOrder(const HeldTable& held, const sqlite3_index_info& info) {
+  std::size_t place = 0;
+  for (int i = 0; i < info.nOrderBy; ++i) {
+    const int column = info.aOrderBy[i].iColumn;
+    if (std::ranges::find(held.KeyColumns(), column) != held.KeyColumns().end()) continue;
+    if (info.aOrderBy[i].desc != 0 || place == held.OrderColumns().size() ||
+        held.OrderColumns()[place++] != column) {
+      return false;
+    }
+  }
+  return true;
+}
+
+int BestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
+  const HeldTable& held = *static_cast<Table*>(table)->held;
+  return Guarded([&] {
+    std::string plan;
+    std::size_t keys = 0;
+    for (const int column : held.KeyColumns())
+      keys += TakeEquality(info, column, static_cast<char>(kKey + keys), plan) ? 1 : 0;
+    const bool one_key = keys == held.KeyColumns().size();
+    if (!one_key) {  // letters tell a key column by its place only when all are there
+      for (int i = 0; i < info->nConstraint; ++i) info->aConstraintUsage[i].argvIndex = 0;
+      plan.clear();
+    }
+    auto rows = static_cast<double>(held.RowCount()) + 1;
+    char letter = kOrder;
+    for (const int column : held.OrderColumns()) {
+      if (!one_key || !TakeEquality(info, column, letter++, plan)) break;
+      std::size_t values = 4;
+      for (const auto& [key, batch] : held.All())
+        values = std::max(values, batch->Column(column).CodeCount());
+      rows = std::max(1.0, rows / static_cast<double>(values));
+    }
+    info->estimatedRows = static_cast<sqlite3_int64>(rows);
+    info->estimatedCost = rows * 2 + 4;
+    info->idxStr = sqlite3_mprintf("%s", plan.c_str());
+    if (info->idxStr == nullptr) throw std::bad_alloc();
+    info->needToFreeIdxStr = 1;
+    if (one_key && IsInOrder(held, *info)) info->orderByConsumed = 1;
+    const bool distinct = sqlite3_vtab_distinct(info) >= 2;
+    info->idxNum = one_key && distinct ? DistinctBy(held, *info).value_or(0) : 0;
+  });
+}
+
+int Open(sqlite3_vtab* /*table*/, sqlite3_vtab_cursor** made) {
+  return Guarded([&] { *made = std::make_unique<Cursor>().release(); });
+}
+
+int Close(sqlite3_vtab_cursor* cursor) {
+  delete static_cast<Cursor*>(cursor);
+  return SQLITE_OK;
+}
+
+std::string_view TextOf(sqlite3_value* value) {
+  return {reinterpret_cast<const char*>(sqlite3_value_text(value)),
+          static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+/// The rows of a key whose leading columns have the values, and maybe others: SQLite checks each condition
+/// again. A number is compared with a text column as a number if it comes from a column of numbers.
+std::vector<HeldRows::Range> Narrowed(const HeldRows& rows, sqlite3_value** values, std::size_t count) {
+  if (count > 0) {
+    const int type = sqlite3_value_type(values[0]);
+    if (type == SQLITE_INTEGER || type == SQLITE_FLOAT)
+      return rows.FindNumber(sqlite3_value_double(values[0]));
+  }
+  std::vector<HeldValue> leading;
+  for (std::size_t i = 0; i < count && sqlite3_value_type(values[i]) == SQLITE_TEXT; ++i)
+    leading.push_back(HeldValue::Text(TextOf(values[i])));
+  return {rows.Find(leading)};
+}
+
+int Filter(sqlite3_vtab_cursor* base, int number, const char* plan, int count, sqlite3_value** values) {
+  Cursor& cursor = CursorOf(base);
+  return Guarded([&] {
+    const HeldTable& held = cursor.Held();
+    cursor.stretches.clear();
+    cursor.stretch = 0;
+    cursor.distinct_by = number;
+    const std::size_t keys = held.KeyColumns().size();
+    if (count == 0 || plan[0] != kKey) {
+      for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
+    } else if (std::all_of(values, values + keys,
+                           [](sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_TEXT; })) {
+      HeldTable::Key key;
+      for (std::size_t i = 0; i < keys; ++i) key.emplace_back(TextOf(values[i]));
+      if (const auto rows = held.Find(key)) {
+        for (const HeldRows::Range& range :
+             Narrowed(*rows, values + keys, static_cast<std::size_t>(count) - keys)) {
+          cursor.stretches.push_back({rows, range});
+        }
+      }
+    } else {
+      cursor.distinct_by = 0;
+      for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
+    }
+    cursor.EnterStretch();
+  });
+}
+
+int Next(sqlite3_vtab_cursor* cursor) {
+  CursorOf(cursor).Next();
+  return SQLITE_OK;
+}
+
+int Eof(sqlite3_vtab_cursor* cursor) {
+  return CursorOf(cursor).stretch == CursorOf(cursor).stretches.size() ? 1 : 0;
+}
+
+// The texts stay as they are while a statement runs: rows are replaced between statements.
+int Column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
+  const Cursor& cursor = CursorOf(base);
+  const HeldValue value = cursor.stretches[cursor.stretch].rows->Column(column).At(cursor.row);
+  switch (value.kind) {
+    case HeldValue::Kind::kNull:
+      sqlite3_result_null(context);
+      break;
+    case HeldValue::Kind::kInteger:
+      sqlite3_result_int64(context, value.integer);
+      break;
+    case HeldValue::Kind::kFloat:
+      sqlite3_result_double(context, value.AsFloat());
+      break;
+    case HeldValue::Kind::kText:
+      sqlite3_result_text64(context, value.bytes.data(), value.bytes.size(), SQLITE_STATIC, SQLITE_UTF8);
+      break;
+    case HeldValue::Kind::kBlob:
+      sqlite3_result_blob64(context, value.bytes.data(), value.bytes.size(), SQLITE_STATIC);
+  }
+  return SQLITE_OK;
+}
+
+int Rowid(sqlite3_vtab_cursor* base, sqlite3_int64* rowid) {
+  const Cursor& cursor = CursorOf(base);
+  *rowid = static_cast<sqlite3_int64>(cursor.stretch << 32 | cursor.row);
+  return SQLITE_OK;
+}
+
+const sqlite3_module& Module() {
+  static const sqlite3_module kModule = [] {
+    sqlite3_module module{};
+    module.xCreate = Connect;
+    module.xConnect = Connect;
+    module.xBestIndex = BestIndex;
+    module.xDisconnect = Disconnect;
+    module.xDestroy = Disconnect;
+    module.xOpen = Open;
+    module.xClose = Close;
+    module.xFilter = Filter;
+    module.xNext = Next;
+    module.xEof = Eof;
+    module.xColumn = Column;
+    module.xRowid = Rowid;
+    return module;
+  }();
+  return kModule;
+}
+
+}  // namespace
+
+void RegisterHeldTableModule(const SqliteConnection& connection, HeldTables& tables) {
+  const int code =
+      sqlite3_create_module_v2(connection.Handle(), kHeldTableModule, &Module(), &tables, nullptr);
+  if (code != SQLITE_OK) connection.Fail(code, "");
+}
+
+}  // namespace excelexp
