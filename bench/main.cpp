@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "bench/Comparisons.h"
+#include "bench/DemoSheets.h"
 #include "bench/Export.h"
 #include "bench/LibxlsxwriterPeer.h"
 #include "bench/Measure.h"
@@ -29,12 +30,14 @@ namespace {
 constexpr char kUsage[] =
     R"(usage: excelexp_bench [--divide=N] [--benchmark_...]
        excelexp_bench --month-end=FILE [--divide=N] [--records=stored]
+       excelexp_bench --layouts=FILE [--divide=N]
        excelexp_bench --export=ID --database=FILE --output=FILE [--records=stored] [--libxlsxwriter=FILE]
        excelexp_bench --statements=ID [--divide=N]
 
 The first measures. The others
   write the month-end database with the definitions FLAT and GROUPED; with --records=stored also the analysis
     records of FLAT, as an analysis engine that stores them leaves them,
+  write the database of the layouts, in which each worksheet of the demo is a definition of its own,
   export one definition of a database and print how much memory that took and how many cells it printed;
     with --records=stored those records are printed, with --libxlsxwriter that library writes the cells again,
   export FLAT, GROUPED or a worksheet of the demo and print which SQL statements took most of the time.
@@ -43,8 +46,8 @@ The first measures. The others
 
 using Options = std::map<std::string, std::string, std::less<>>;
 
-constexpr std::array kNames = {"divide",  "month-end",     "export",     "database", "output",
-                               "records", "libxlsxwriter", "statements", "help"};
+constexpr std::array kNames = {"divide", "month-end", "layouts",       "export",     "database",
+                               "output", "records",   "libxlsxwriter", "statements", "help"};
 
 /// Takes our own options out of the arguments; the others stay for the benchmark library.
 Options TakeOptions(int& count, char** arguments) {
@@ -119,6 +122,8 @@ void Run(int count, char** arguments) {
     const std::string file = Required(options, "month-end");
     WriteMonthEnd(file, RunSizes().listing);
     if (HasStoredRecords(options)) StoreRecords(file);
+  } else if (options.contains("layouts")) {
+    WriteDemoSheets(Required(options, "layouts"), RunSizes().demo);
   } else if (options.contains("export")) {
     ExportOnce(options);
   } else if (options.contains("statements")) {

@@ -23,7 +23,7 @@ struct RowsToHold {
   std::string table;               ///< a table of the database: its columns, types and defaults hold
   Key key;                         ///< replaces what is held under it
   std::vector<std::string> order;  ///< by which columns the rows are found and sorted
-  std::string select;              ///< where they come from; gives columns of the table by name
+  std::string select;              ///< where they come from: columns by name; those the table lacks are left out
   Restriction only = {};           ///< an empty column restricts nothing
 };
 

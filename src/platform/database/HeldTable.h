@@ -19,6 +19,7 @@ namespace excelexp {
 class HeldRows {
  public:
   std::size_t RowCount() const { return row_count_; }
+  int ColumnCount() const { return static_cast<int>(columns_.size()); }
   const HeldColumn& Column(int column) const { return columns_[static_cast<std::size_t>(column)]; }
 
   struct Range {

@@ -3,12 +3,14 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
+#include <charconv>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/database/HeldDistinct.h"
 #include "platform/database/HeldTables.h"
 #include "platform/database/SqlTokens.h"
 #include "platform/database/SqliteConnection.h"
@@ -32,32 +34,35 @@ struct Cursor : sqlite3_vtab_cursor {
   std::vector<Stretch> stretches;
   std::size_t stretch = 0;
   std::size_t row = 0;
-  int distinct_by = 0;  // of rows alike in so many order columns one is enough
+  std::optional<HeldDistinct> distinct;
 
   const HeldTable& Held() const { return *static_cast<const Table*>(pVtab)->held; }
 
-  void EnterStretch() {
-    while (stretch < stretches.size() && stretches[stretch].range.begin == stretches[stretch].range.end)
-      ++stretch;
-    if (stretch < stretches.size()) row = stretches[stretch].range.begin;
+  void Start() {
+    stretch = 0;
+    EnterStretch();
+    SkipSeen();
   }
-
-  bool IsLikeNext() const {
-    const std::vector<int>& order = Held().OrderColumns();
-    return std::all_of(order.begin(), order.begin() + distinct_by, [this](int place) {
-      const HeldColumn& column = stretches[stretch].rows->Column(place);
-      return column.CodeAt(row) == column.CodeAt(row + 1);
-    });
-  }
-
   void Next() {
-    const std::size_t end = stretches[stretch].range.end;
-    if (distinct_by > 0) {
-      while (row + 1 < end && IsLikeNext()) ++row;
-    }
-    if (++row < end) return;
+    Advance();
+    SkipSeen();
+  }
+  bool AtEnd() const { return stretch == stretches.size(); }
+
+ private:
+  void EnterStretch() {
+    while (!AtEnd() && stretches[stretch].range.begin == stretches[stretch].range.end) ++stretch;
+    if (AtEnd()) return;
+    row = stretches[stretch].range.begin;
+    if (distinct) distinct->Enter(*stretches[stretch].rows);
+  }
+  void Advance() {
+    if (++row < stretches[stretch].range.end) return;
     ++stretch;
     EnterStretch();
+  }
+  void SkipSeen() {
+    while (distinct && !AtEnd() && !distinct->IsNew(row)) Advance();
   }
 };
 
@@ -100,9 +105,11 @@ int Disconnect(sqlite3_vtab* table) {
 }
 
 // How a search is told to Filter: a letter for each value it gets, 'A' and on for the key columns, 'a' and on
-// for the leading order columns; the number says by how many order columns rows may differ at least.
+// for the leading order columns; behind the mark, if it is there, the columns (as bits) in which rows must
+// differ to be told apart.
 constexpr char kKey = 'A';
 constexpr char kOrder = 'a';
+constexpr char kDistinct = ':';
 
 /// Takes the condition "column = value" as the next value of the search, if there is such a condition.
 bool TakeEquality(sqlite3_index_info* info, int column, char letter, std::string& plan) {
@@ -118,22 +125,6 @@ bool TakeEquality(sqlite3_index_info* info, int column, char letter, std::string
     return true;
   }
   return false;
-}
-
-/// By how many leading order columns, beside the key, the rows that the statement sees can differ; nothing
-/// when it reads any other column.
-std::optional<int> DistinctBy(const HeldTable& held, const sqlite3_index_info& info) {
-  constexpr int kLastBit = 63;  // stands for all columns from there on
-  sqlite3_uint64 others = info.colUsed;
-  for (const int column : held.KeyColumns()) others &= ~(sqlite3_uint64{1} << std::min(column, kLastBit));
-  if ((info.colUsed >> kLastBit) != 0) return std::nullopt;
-  int count = 0;
-  for (const int column : held.OrderColumns()) {
-    if (others == 0) break;
-    others &= ~(sqlite3_uint64{1} << std::min(column, kLastBit));
-    ++count;
-  }
-  return others == 0 ? std::optional(count) : std::nullopt;
 }
 
 /// Whether rows of one key come as the statement wants them sorted.
@@ -173,12 +164,12 @@ int BestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
     }
     info->estimatedRows = static_cast<sqlite3_int64>(rows);
     info->estimatedCost = rows * 2 + 4;
+    // Of rows alike in all columns that the statement sees, a DISTINCT needs one.
+    if (sqlite3_vtab_distinct(info) >= 2) plan += kDistinct + std::to_string(info->colUsed);
     info->idxStr = sqlite3_mprintf("%s", plan.c_str());
     if (info->idxStr == nullptr) throw std::bad_alloc();
     info->needToFreeIdxStr = 1;
     if (one_key && IsInOrder(held, *info)) info->orderByConsumed = 1;
-    const bool distinct = sqlite3_vtab_distinct(info) >= 2;
-    info->idxNum = one_key && distinct ? DistinctBy(held, *info).value_or(0) : 0;
   });
 }
 
@@ -210,13 +201,20 @@ std::vector<HeldRows::Range> Narrowed(const HeldRows& rows, sqlite3_value** valu
   return {rows.Find(leading)};
 }
 
-int Filter(sqlite3_vtab_cursor* base, int number, const char* plan, int count, sqlite3_value** values) {
+std::optional<HeldDistinct> DistinctOf(std::string_view plan) {
+  const std::size_t mark = plan.find(kDistinct);
+  if (mark == std::string_view::npos) return std::nullopt;
+  std::uint64_t columns = 0;
+  std::from_chars(plan.data() + mark + 1, plan.data() + plan.size(), columns);
+  return HeldDistinct(columns);
+}
+
+int Filter(sqlite3_vtab_cursor* base, int /*number*/, const char* plan, int count, sqlite3_value** values) {
   Cursor& cursor = CursorOf(base);
   return Guarded([&] {
     const HeldTable& held = cursor.Held();
     cursor.stretches.clear();
-    cursor.stretch = 0;
-    cursor.distinct_by = number;
+    cursor.distinct = DistinctOf(plan);
     const std::size_t keys = held.KeyColumns().size();
     if (count == 0 || plan[0] != kKey) {
       for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
@@ -231,20 +229,18 @@ int Filter(sqlite3_vtab_cursor* base, int number, const char* plan, int count, s
         }
       }
     } else {
-      cursor.distinct_by = 0;
       for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
     }
-    cursor.EnterStretch();
+    cursor.Start();
   });
 }
 
 int Next(sqlite3_vtab_cursor* cursor) {
-  CursorOf(cursor).Next();
-  return SQLITE_OK;
+  return Guarded([&] { CursorOf(cursor).Next(); });
 }
 
 int Eof(sqlite3_vtab_cursor* cursor) {
-  return CursorOf(cursor).stretch == CursorOf(cursor).stretches.size() ? 1 : 0;
+  return CursorOf(cursor).AtEnd() ? 1 : 0;
 }
 
 // The texts stay as they are while a statement runs: rows are replaced between statements.

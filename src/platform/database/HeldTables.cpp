@@ -50,6 +50,12 @@ HeldValue ValueFor(sqlite3_value* value, Affinity affinity) {
   }
 }
 
+/// A column of a statement whose values are to be held.
+struct Source {
+  int column;
+  Affinity affinity;
+};
+
 std::string TextAt(sqlite3_stmt* row, int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
   return text == nullptr ? std::string() : std::string(text);
@@ -124,23 +130,30 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
                                                  sqlite3_stmt* select, std::vector<std::string> texts,
                                                  std::size_t max_bytes) const {
   constexpr int kRowsBetweenChecks = 4096;
-  const int width = sqlite3_column_count(select);
   std::vector<int> given;
-  std::vector<Affinity> affinities;
+  std::vector<Source> sources;
   int restricted = -1;
-  for (int i = 0; i < width; ++i) {
-    given.push_back(Place(table.Columns(), table.Name(), sqlite3_column_name(select, i)));
-    affinities.push_back(table.Columns()[static_cast<std::size_t>(given.back())].affinity);
-    if (SameName(sqlite3_column_name(select, i), rows.only.column)) restricted = i;
+  for (int i = 0; i < sqlite3_column_count(select); ++i) {
+    const std::string_view name = sqlite3_column_name(select, i);
+    const int column = table.FindColumn(name);
+    const auto has = [column](const std::vector<int>& columns) {
+      return std::ranges::find(columns, column) != columns.end();
+    };
+    if (column < 0 || has(table.KeyColumns()) || has(given)) continue;
+    if (SameName(name, rows.only.column)) restricted = static_cast<int>(given.size());
+    given.push_back(column);
+    sources.push_back({i, table.Columns()[static_cast<std::size_t>(column)].affinity});
   }
+  if (restricted < 0 && !rows.only.column.empty())
+    throw DatabaseError("there is no column " + rows.only.column + " to choose rows by", rows.select);
   HeldRowsBuilder builder(table, table.KeyOf(rows.key), given);
   if (restricted >= 0) builder.Restrict(static_cast<std::size_t>(restricted), std::move(texts));
-  std::vector<HeldValue> values(static_cast<std::size_t>(width));
+
+  std::vector<HeldValue> values(sources.size());
   for (int count = 1; connection_.Step(select, rows.select); ++count) {
-    for (int i = 0; i < width; ++i) {
-      const auto place = static_cast<std::size_t>(i);
-      values[place] = ValueFor(sqlite3_column_value(select, i), affinities[place]);
-    }
+    std::ranges::transform(sources, values.begin(), [select](const Source& source) {
+      return ValueFor(sqlite3_column_value(select, source.column), source.affinity);
+    });
     builder.Add(values);
     if (count % kRowsBetweenChecks == 0 && builder.Bytes() > max_bytes) {
       throw DatabaseError("the rows to be held take more than " + std::to_string(max_bytes) + " bytes",

@@ -25,6 +25,7 @@
 #include "platform/database/SqliteGuard.h"
 #include "platform/database/StatementPool.h"
 #include "platform/database/StoredFunctions.h"
+#include "platform/database/UnionFilter.h"
 
 namespace excelexp {
 namespace {
@@ -397,7 +398,7 @@ CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string&
   std::string rewritten;
   try {
     const SqliteGuard::Pass pass(guard_);
-    rewritten = RewriteSql(SortWhatIsDistinct(sql), find_table_);
+    rewritten = RewriteSql(FilterInsideUnions(SortWhatIsDistinct(sql), find_table_), find_table_);
   } catch (const DatabaseError& error) {
     throw DatabaseError(error.Message(), sent);
   }

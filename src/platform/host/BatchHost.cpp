@@ -13,7 +13,7 @@
 namespace excelexp {
 
 BatchHost::~BatchHost() {
-  for (const Records& each : records_) {
+  for (const Generated& each : generated_) {
     try {
       if (const std::shared_ptr<Database> database = each.database.lock())
         database->ReleaseRows(kAnalysisRecordTable, each.key);
@@ -36,7 +36,7 @@ std::unique_ptr<BAnalysisRptEng> BatchHost::CreateAnalysisRptEng(const AnlysProj
                                                                  bool /*interactive*/) {
   const std::shared_ptr<Database> database = DatabaseRegistry::Find(database_name);
   if (database == nullptr) return nullptr;
-  records_.push_back({database, AnalysisRecordKey(request)});
+  generated_.push_back({database, AnalysisRecordKey(request)});
   auto analysis = std::make_unique<SetupTableAnalysisEngine>(request, database);
   analysis->SetOnFailure([this, project = request.AnlysProjectId](const std::string& message) {
     OnAnalysisFailure(project, message);

@@ -34,13 +34,13 @@ class BatchHost : public HostServices {
   virtual void OnAnalysisFailure(const std::string& project, const std::string& message);
 
  private:
-  struct Records {
+  struct Generated {
     std::weak_ptr<Database> database;
     RowsToHold::Key key;
   };
 
   std::string output_file_;
-  std::vector<Records> records_;
+  std::vector<Generated> generated_;
 };
 
 /// The last component of a proposed name, safe to use inside a chosen folder: what stands before a path
