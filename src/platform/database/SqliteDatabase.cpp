@@ -15,6 +15,7 @@
 #include "platform/database/Catalogue.h"
 #include "platform/database/DatabaseError.h"
 #include "platform/database/Dialect.h"
+#include "platform/database/DistinctJoin.h"
 #include "platform/database/DistinctOrder.h"
 #include "platform/database/HeldSelect.h"
 #include "platform/database/HeldTables.h"
@@ -398,7 +399,9 @@ CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string&
   std::string rewritten;
   try {
     const SqliteGuard::Pass pass(guard_);
-    rewritten = RewriteSql(FilterInsideUnions(SortWhatIsDistinct(sql), find_table_), find_table_);
+    rewritten =
+        JoinWhatIsDistinct(RewriteSql(FilterInsideUnions(SortWhatIsDistinct(sql), find_table_), find_table_),
+                           connection_, guard_, find_table_);
   } catch (const DatabaseError& error) {
     throw DatabaseError(error.Message(), sent);
   }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/QueryPlan.h"
 #include "platform/database/SqlTokens.h"
 
 namespace excelexp {
@@ -38,9 +39,9 @@ std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
 
 /// An index that the database makes for one run holds the columns that the statement reads, and gives rows of
 /// equal keys in the order of those.
-bool HasAutomaticIndex(const std::vector<std::string>& plan) {
+bool HasAutomaticIndex(const std::vector<PlanStep>& plan) {
   return std::ranges::any_of(
-      plan, [](const std::string& step) { return step.find("AUTOMATIC") != std::string::npos; });
+      plan, [](const PlanStep& step) { return step.text.find("AUTOMATIC") != std::string::npos; });
 }
 
 }  // namespace
@@ -128,26 +129,13 @@ void StatementPool::Narrow(KeptStatement& kept) {
   const std::string sql = "SELECT " + (list.empty() ? "NULL" : list) + " FROM (" + whole + "\n)";
   try {
     const SqliteGuard::Pass pass(guard_);
-    const std::vector<std::string> plan = Plan(whole);
-    kept.may_narrow = !HasAutomaticIndex(plan) && Plan(sql) == plan;
+    const std::vector<PlanStep> plan = PlanOf(connection_, whole);
+    kept.may_narrow = !HasAutomaticIndex(plan) && PlanOf(connection_, sql) == plan;
     if (kept.may_narrow) kept.narrow.statement = connection_.Prepare(sql, sql);
     kept.narrow.places = std::move(places);
   } catch (const DatabaseError&) {
     kept.may_narrow = false;  // a name that cannot be told from another
   }
-}
-
-/// How the database goes about a statement. Whether an index has all columns makes no difference to the rows.
-std::vector<std::string> StatementPool::Plan(const std::string& sql) const {
-  constexpr std::string_view kCovering = "COVERING ";
-  const SqliteStatement rows = connection_.Prepare("EXPLAIN QUERY PLAN " + sql, sql);
-  std::vector<std::string> plan;
-  while (connection_.Step(rows.get(), sql)) {
-    std::string& step = plan.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(rows.get(), 3)));
-    if (const std::size_t found = step.find(kCovering); found != std::string::npos)
-      step.erase(found, kCovering.size());
-  }
-  return plan;
 }
 
 }  // namespace excelexp

@@ -52,7 +52,6 @@ class StatementPool {
   void Keep(const std::string& sql);
   void Bind(sqlite3_stmt* statement, const std::string& sql) const;
   void Narrow(KeptStatement& kept);
-  std::vector<std::string> Plan(const std::string& sql) const;
 
   SqliteConnection& connection_;
   SqliteGuard& guard_;

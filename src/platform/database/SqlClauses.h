@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "platform/database/SqlTokens.h"
+
+namespace excelexp {
+
+/// The tokens of a statement from `begin` up to `end`.
+struct TokenSpan {
+  std::size_t begin;
+  std::size_t end;
+  std::size_t Size() const { return end - begin; }
+};
+
+/// What stands between the tokens of a span that separate, those in parentheses left out: the terms of a list
+/// between its commas, or the conditions of a WHERE between its ANDs.
+std::vector<TokenSpan> SplitSpan(const std::vector<SqlToken>& tokens, const TokenSpan& span,
+                                 const std::function<bool(const SqlToken&)>& separates);
+
+/// The first token of the span, outside of parentheses, that is the word; the span's end when none is.
+std::size_t FindWord(const std::vector<SqlToken>& tokens, const TokenSpan& span, std::string_view word);
+
+/// Whether the span is a column name and nothing else, with or without its table.
+bool IsColumnName(const std::vector<SqlToken>& tokens, const TokenSpan& span);
+
+/// Whether the span is one pair of parentheses and what stands in it.
+bool IsParenthesised(const std::vector<SqlToken>& tokens, const TokenSpan& span);
+
+}  // namespace excelexp
