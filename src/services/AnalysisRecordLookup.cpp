@@ -10,18 +10,7 @@ namespace {
 
 constexpr std::string_view kBankLookUp = "BankPaymentAmt";
 
-/// The fields that are compared and their values, which stay the caller's.
-struct Keys {
-  void Add(std::string_view field, KeyView value) {
-    fields[count] = field;
-    values[count++] = value;
-  }
-  void Add(std::string_view field, int value) { Add(field, KeyView{std::int64_t{value}}); }
-
-  std::array<std::string_view, 9> fields;
-  std::array<KeyView, 9> values;
-  std::size_t count = 0;
-};
+constexpr std::size_t kMostKeys = 9;
 
 }  // namespace
 
@@ -70,41 +59,48 @@ bool AnalysisRecordLookup::LocateBasisCSS(const PeriodKey& period, const std::st
   return Run(request);
 }
 
-bool AnalysisRecordLookup::Run(const Request& request) const {
-  Keys keys;
-  keys.Add("AnlysItemRecYear", request.period.year);
-  keys.Add("AnlysItemRecPeriodMonth", request.period.period_month);
-  keys.Add("AnlysItemRecSubPeriod", request.period.sub_period);
-  if (traits_.has_pay_record_basis) keys.Add("AnlysPayRecBasis", request.period.pay_record_basis);
+/// Names the fields that are compared, and their values, which stay the caller's.
+template <typename Take>
+void AnalysisRecordLookup::EachKey(const Request& request, const Take& take) const {
+  const auto number = [](int value) { return KeyView{std::int64_t{value}}; };
+  take("AnlysItemRecYear", number(request.period.year));
+  take("AnlysItemRecPeriodMonth", number(request.period.period_month));
+  take("AnlysItemRecSubPeriod", number(request.period.sub_period));
+  if (traits_.has_pay_record_basis) take("AnlysPayRecBasis", KeyView{request.period.pay_record_basis});
   if (request.basis_a != nullptr) {
     const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
-    keys.Add(company ? "Basis1Id" : "Basis2Id", *request.basis_a);
-    keys.Add(company ? "Basis2Id" : "Basis3Id", *request.basis_b);
+    take(company ? "Basis1Id" : "Basis2Id", KeyView{*request.basis_a});
+    take(company ? "Basis2Id" : "Basis3Id", KeyView{*request.basis_b});
   }
   switch (request.bank) {
     case BankKey::kNone:
-      keys.Add("AnlysItem1Id", request.item_id);
+      take("AnlysItem1Id", KeyView{request.item_id});
       break;
     case BankKey::kCategory:
-      keys.Add("AnlysItem5Id", request.item_id);
+      take("AnlysItem5Id", KeyView{request.item_id});
       break;
     case BankKey::kLookUp:
-      keys.Add("AnlysLookUpId", kBankLookUp);
+      take("AnlysLookUpId", KeyView{kBankLookUp});
       break;
   }
-  keys.Add("AnlysItemTypeId", request.item_type);
-  if (request.country != nullptr) keys.Add("SysAttributeCountry", *request.country);
-  return records_->Locate(ColumnsOf(std::span(keys.fields).first(keys.count), request),
-                          std::span(keys.values).first(keys.count));
+  take("AnlysItemTypeId", KeyView{request.item_type});
+  if (request.country != nullptr) take("SysAttributeCountry", KeyView{*request.country});
+}
+
+bool AnalysisRecordLookup::Run(const Request& request) const {
+  std::array<KeyView, kMostKeys> values;
+  std::size_t count = 0;
+  EachKey(request, [&](std::string_view, const KeyView& value) { values[count++] = value; });
+  return records_->Locate(ColumnsOf(request), std::span(values).first(count));
 }
 
 /// The columns of the fields, which are the same for every request of a kind on one result.
-std::span<const int> AnalysisRecordLookup::ColumnsOf(std::span<const std::string_view> fields,
-                                                     const Request& request) const {
-  const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
-  const int kind = static_cast<int>(request.bank) | (request.basis_a != nullptr ? 4 : 0) |
-                   (request.country != nullptr ? 8 : 0) | (company ? 16 : 0);
+std::span<const int> AnalysisRecordLookup::ColumnsOf(const Request& request) const {
+  int kind = static_cast<int>(request.bank) | (request.country != nullptr ? 4 : 0);
+  if (request.basis_a != nullptr) kind |= core_->ExcelWkSheetRptSumLvl == summary_level::kCompany ? 8 : 16;
   if (kind != kind_ || records_->Columns() != columns_of_) {
+    std::vector<std::string_view> fields;
+    EachKey(request, [&](std::string_view field, const KeyView&) { fields.push_back(field); });
     columns_ = records_->ColumnsOf(fields);  // throws for one that is missing: nothing is known then
     kind_ = kind;
     columns_of_ = records_->Columns();

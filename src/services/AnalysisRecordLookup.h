@@ -57,8 +57,10 @@ class AnalysisRecordLookup {
 
  private:
   struct Request;
+  template <typename Take>
+  void EachKey(const Request& request, const Take& take) const;
   bool Run(const Request& request) const;
-  std::span<const int> ColumnsOf(std::span<const std::string_view> fields, const Request& request) const;
+  std::span<const int> ColumnsOf(const Request& request) const;
 
   const BExcelExpEngCore* core_;
   Query* records_;

@@ -137,6 +137,7 @@ bool Query::Locate(std::string_view fields, std::span<const KeyValue> values) {
 
 std::vector<int> Query::ColumnsOf(std::span<const std::string_view> fields) const {
   std::vector<int> columns;
+  columns.reserve(fields.size());
   for (const std::string_view name : fields) {
     if (result_ == nullptr)
       throw DatabaseError("field '" + std::string(name) + "' is located in a query that is closed", sql_);
@@ -154,8 +155,9 @@ bool Query::Locate(std::span<const int> columns, std::span<const KeyView> values
   return true;
 }
 
-std::shared_ptr<const ResultColumns> Query::Columns() const {
-  return result_ == nullptr ? nullptr : result_->Columns();
+const std::shared_ptr<const ResultColumns>& Query::Columns() const {
+  static const std::shared_ptr<const ResultColumns> none;
+  return result_ == nullptr ? none : result_->Columns();
 }
 
 }  // namespace excelexp

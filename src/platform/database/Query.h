@@ -90,7 +90,7 @@ class Query {
   std::vector<int> ColumnsOf(std::span<const std::string_view> fields) const;
   bool Locate(std::span<const int> columns, std::span<const KeyView> values);
   /// nullptr for a closed query.
-  std::shared_ptr<const ResultColumns> Columns() const;
+  const std::shared_ptr<const ResultColumns>& Columns() const;
 
  private:
   friend class Field;

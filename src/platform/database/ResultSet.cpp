@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -16,27 +17,57 @@
 namespace excelexp {
 namespace {
 
-constexpr std::size_t kMostKeys = 16;  // of one search
-
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
   return hash;
 }
 
-std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
-  std::uint64_t word = 0;
-  if (count != 0) std::memcpy(&word, bytes, count);  // an empty text may be a null pointer
+std::size_t Mix(std::size_t hash, std::uint64_t word) {
+  hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
+  return hash ^ hash >> 32;  // the table takes the low bits, and a product's low bits know little
+}
+
+std::uint64_t LoadWord(const char* bytes) {
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
   return word;
 }
 
-// Keys are short: a word at a time beats a hash for long texts.
+// Fewer than eight bytes.
+std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
+  std::uint64_t word = 0;
+  for (std::size_t i = 0; i < count; ++i) word = word << 8 | static_cast<unsigned char>(bytes[i]);
+  return word;
+}
+
+// The number that is written like this in decimal, no sign and no zero too many.
+std::optional<std::int64_t> PlainNumber(std::string_view text) {
+  if (text.empty() || text.front() > '9' || text.front() < '-') return std::nullopt;
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  std::array<char, 24> digits;
+  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  if (text != std::string_view(digits.data(), written.ptr)) return std::nullopt;
+  return number;
+}
+
+// A text that a number is written like has the number's hash, because it equals the number. Keys are short: a
+// word at a time beats a hash for long texts.
 std::size_t Combine(std::size_t hash, std::string_view text) {
-  constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
-  hash = (std::rotl(hash, 5) ^ text.size()) * kOdd;
-  for (; text.size() > 8; text.remove_prefix(8)) hash = (hash ^ LoadBytes(text.data(), 8)) * kOdd;
-  hash = (hash ^ LoadBytes(text.data(), text.size())) * kOdd;
-  return hash ^ hash >> 32;
+  if (const std::optional<std::int64_t> number = PlainNumber(text))
+    return Mix(hash, static_cast<std::uint64_t>(*number));
+  hash += text.size();
+  if (text.size() < 8) return Mix(hash, LoadBytes(text.data(), text.size()));
+  for (std::size_t at = 0; at + 8 < text.size(); at += 8) hash = Mix(hash, LoadWord(text.data() + at));
+  return Mix(hash, LoadWord(text.data() + text.size() - 8));
+}
+
+std::size_t Combine(std::size_t hash, const KeyView& key) {
+  const auto* number = std::get_if<std::int64_t>(&key);
+  return number != nullptr ? Mix(hash, static_cast<std::uint64_t>(*number))
+                           : Combine(hash, std::get<std::string_view>(key));
 }
 
 std::string_view TrimLeft(std::string_view text) {
@@ -150,7 +181,7 @@ bool ResultSet::IsNull(int row, int column) const {
   return place.result->At(place).kind == Kind::kNull;
 }
 
-std::string_view ResultSet::AsView(Value value, TextBuffer& buffer) const {
+std::string_view ResultSet::Written(Value value, TextBuffer& buffer) const {
   char* const begin = buffer.bytes.data();
   char* const end = begin + buffer.bytes.size();
   switch (value.kind) {
@@ -223,89 +254,98 @@ std::string ResultSet::AsBytes(int row, int column) const {
 int ResultSet::Find(std::span<const int> columns, std::span<const KeyView> keys) const {
   if (columns.size() != keys.size() || columns.empty())
     throw std::invalid_argument("a search needs one key for each of its columns");
-  if (keys.size() > kMostKeys) throw std::invalid_argument("a search has too many keys");
+  if (const Index* const known = KnownIndex(columns)) return FindBy(*known, keys);
   if (has_more_rows_) return Rest(Missing::kRows).Find(columns, keys);
-  std::array<int, kMostKeys> here{};
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    static_cast<void>(ColumnName(columns[i]));  // throws for an unknown one
-    here[i] = places_ == nullptr ? columns[i] : (*places_)[static_cast<std::size_t>(columns[i])];
-    if (here[i] < 0) return Rest(Missing::kColumns).Find(columns, keys);
+  Index index;
+  index.columns.assign(columns.begin(), columns.end());
+  index.places.reserve(columns.size());
+  for (const int column : columns) {
+    static_cast<void>(ColumnName(column));  // throws for an unknown one
+    const int place = places_ == nullptr ? column : (*places_)[static_cast<std::size_t>(column)];
+    if (place < 0) return Rest(Missing::kColumns).Find(columns, keys);
+    index.places.push_back(static_cast<std::size_t>(place));
   }
-  return FindHere(std::span(here).first(columns.size()), keys);
+  EnterRows(index);
+  bytes_ += index.slots.size() * sizeof(std::uint32_t) + sizeof(Index);
+  return FindBy(*indexes_.emplace_back(std::make_unique<const Index>(std::move(index))), keys);
 }
 
-int ResultSet::FindHere(std::span<const int> columns, std::span<const KeyView> keys) const {
-  const Index& index = IndexOver(columns);
-  std::array<std::string_view, kMostKeys> texts;
-  std::array<TextBuffer, kMostKeys> buffers;
+const ResultSet::Index* ResultSet::KnownIndex(std::span<const int> columns) const {
+  for (const std::unique_ptr<const Index>& index : indexes_)
+    if (std::ranges::equal(index->columns, columns)) return index.get();
+  return nullptr;
+}
+
+int ResultSet::FindBy(const Index& index, std::span<const KeyView> keys) const {
   std::size_t hash = 0;
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const auto* number = std::get_if<std::int64_t>(&keys[i]);
-    texts[i] = number != nullptr ? AsView({Kind::kInteger, static_cast<std::uint64_t>(*number)}, buffers[i])
-                                 : std::get<std::string_view>(keys[i]);
-    if (index.hashed[i]) hash = Combine(hash, texts[i]);
-  }
+  for (const std::size_t i : index.hashed) hash = Combine(hash, keys[i]);
   const std::size_t mask = index.slots.size() - 1;
-  TextBuffer buffer;
   for (std::size_t slot = hash & mask; index.slots[slot] != 0; slot = (slot + 1) & mask) {
     const std::size_t row = index.slots[slot] - 1;
-    bool same = true;
-    for (std::size_t i = 0; same && i < columns.size(); ++i) {
-      const Value value = AtUnchecked(row, static_cast<std::size_t>(columns[i]));
-      const auto* number = std::get_if<std::int64_t>(&keys[i]);
-      same = number != nullptr && value.kind == Kind::kInteger
-                 ? static_cast<std::int64_t>(value.bits) == *number
-                 : AsView(value, buffer) == texts[i];
-    }
-    if (same) return static_cast<int>(row);
+    if (Equals(RowAt(row), index, keys)) return static_cast<int>(row);
   }
   return -1;
 }
 
-const ResultSet::Index& ResultSet::IndexOver(std::span<const int> columns) const {
-  for (const std::unique_ptr<const Index>& index : indexes_)
-    if (std::ranges::equal(index->columns, columns)) return *index;
-  indexes_.push_back(std::make_unique<const Index>(BuildIndex(columns)));
-  bytes_ += indexes_.back()->slots.size() * sizeof(std::uint32_t) + sizeof(Index);
-  return *indexes_.back();
+bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> keys) const {
+  TextBuffer buffer;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const Value value = row[index.places[i]];
+    const auto* text = std::get_if<std::string_view>(&keys[i]);
+    const bool same = text != nullptr ? AsView(value, buffer) == *text
+                                      : SameNumber(value, *std::get_if<std::int64_t>(&keys[i]));
+    if (!same) return false;
+  }
+  return true;
 }
 
-// A value that equals the one above it most often shares its bits; where it does not, hashing it does no
-// harm.
+bool ResultSet::SameNumber(Value value, std::int64_t number) const {
+  if (value.kind == Kind::kInteger) return static_cast<std::int64_t>(value.bits) == number;
+  TextBuffer buffer;
+  TextBuffer number_buffer;
+  return AsView(value, buffer) == AsView({Kind::kInteger, static_cast<std::uint64_t>(number)}, number_buffer);
+}
+
+// Values that are equal most often share their bits; where they do not, hashing them does no harm.
 bool ResultSet::Varies(std::size_t column) const {
+  const Value first = AtUnchecked(0, column);
   for (std::size_t row = 1; row < row_count_; ++row) {
-    if (AtUnchecked(row, column).bits != AtUnchecked(0, column).bits) return true;
+    const Value value = AtUnchecked(row, column);
+    if (value.bits != first.bits || value.kind != first.kind) return true;
   }
   return false;
 }
 
 // Of rows with equal keys only the first is entered: it is the one that counts.
-ResultSet::Index ResultSet::BuildIndex(std::span<const int> columns) const {
-  Index index;
-  index.columns.assign(columns.begin(), columns.end());
-  for (const int column : columns) index.hashed.push_back(Varies(static_cast<std::size_t>(column)));
+void ResultSet::EnterRows(Index& index) const {
+  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i)
+    if (Varies(index.places[i])) index.hashed.push_back(i);
   index.slots.resize(std::bit_ceil(row_count_ * 2 + 1));
   const std::size_t mask = index.slots.size() - 1;
   TextBuffer buffer;
   for (std::size_t row = 0; row < row_count_; ++row) {
+    const Row values = RowAt(row);
     std::size_t hash = 0;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      if (index.hashed[i])
-        hash = Combine(hash, AsView(AtUnchecked(row, static_cast<std::size_t>(columns[i])), buffer));
+    for (const std::size_t i : index.hashed) {
+      const Value value = values[index.places[i]];
+      hash = value.kind == Kind::kInteger ? Mix(hash, value.bits) : Combine(hash, AsView(value, buffer));
     }
     std::size_t slot = hash & mask;
-    while (index.slots[slot] != 0 && !SameKeys(row, index.slots[slot] - 1, columns)) slot = (slot + 1) & mask;
+    while (index.slots[slot] != 0 && !SameKeys(values, RowAt(index.slots[slot] - 1), index))
+      slot = (slot + 1) & mask;
     if (index.slots[slot] == 0) index.slots[slot] = static_cast<std::uint32_t>(row + 1);
   }
-  return index;
 }
 
-bool ResultSet::SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const {
+bool ResultSet::SameKeys(Row row, Row other, const Index& index) const {
   TextBuffer buffer;
   TextBuffer other_buffer;
-  return std::ranges::all_of(columns, [&](int column) {
-    const auto c = static_cast<std::size_t>(column);
-    return AsView(AtUnchecked(row, c), buffer) == AsView(AtUnchecked(other, c), other_buffer);
+  return std::ranges::all_of(index.hashed, [&](std::size_t i) {
+    const Value value = row[index.places[i]];
+    const Value other_value = other[index.places[i]];
+    if (value.kind == Kind::kInteger && other_value.kind == Kind::kInteger)
+      return value.bits == other_value.bits;
+    return AsView(value, buffer) == AsView(other_value, other_buffer);
   });
 }
 

@@ -41,15 +41,15 @@ class ResultColumns {
 
  private:
   std::uint16_t& Guess(std::string_view name) const {
-    const auto place = reinterpret_cast<std::uintptr_t>(name.data());
-    return guesses_[(place >> 3 ^ place >> 9 ^ place) % guesses_.size()];
+    const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name.data()));
+    return guesses_[place * 0x9e3779b97f4a7c15u >> 56];
   }
   int Search(std::string_view name) const;
 
   std::vector<std::string> names_;
   std::vector<int> slots_;  // column + 1 by the hash of its name, or 0; a power of two of them
   // Readers ask with the same literal again and again: column + 1 by where the literal stands, to be checked.
-  mutable std::array<std::uint16_t, 64> guesses_{};
+  mutable std::array<std::uint16_t, 256> guesses_{};
   mutable std::vector<bool> asked_;
   mutable int asked_count_ = 0;
 };
@@ -130,7 +130,8 @@ class ResultSet {
   };
   struct Index {
     std::vector<int> columns;
-    std::vector<bool> hashed;          // of each column: whether its values tell rows apart
+    std::vector<std::size_t> hashed;   // which of them tell rows apart
+    std::vector<std::size_t> places;   // of all columns, among those that are here
     std::vector<std::uint32_t> slots;  // row + 1, or 0; a power of two of them
   };
   static constexpr std::size_t kBlockShift = 10;
@@ -140,24 +141,35 @@ class ResultSet {
 
   Place PlaceOf(int row, int column) const;
   const ResultSet& Rest(Missing missing) const;
-  Value AtUnchecked(std::size_t row, std::size_t column) const {
+  struct Row {
+    const Kind* kinds;
+    const std::uint64_t* bits;
+    Value operator[](std::size_t column) const { return {kinds[column], bits[column]}; }
+  };
+  Row RowAt(std::size_t row) const {
     const Block& block = blocks_[row >> kBlockShift];
-    const std::size_t cell = (row & (kBlockRows - 1)) * width_ + column;
-    return {block.kinds[cell], block.bits[cell]};
+    const std::size_t cell = (row & (kBlockRows - 1)) * width_;
+    return {block.kinds.get() + cell, block.bits.get() + cell};
   }
+  Value AtUnchecked(std::size_t row, std::size_t column) const { return RowAt(row)[column]; }
   Value At(const Place& place) const { return AtUnchecked(place.row, place.column); }
   std::string_view TextOf(std::uint64_t bits) const {
-    return std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu);
+    return {text_.data() + (bits >> 32), static_cast<std::size_t>(bits & 0xffffffffu)};
   }
   struct TextBuffer;
-  std::string_view AsView(Value value, TextBuffer& buffer) const;
+  std::string_view AsView(Value value, TextBuffer& buffer) const {
+    return value.kind == Kind::kText ? TextOf(value.bits) : Written(value, buffer);
+  }
+  std::string_view Written(Value value, TextBuffer& buffer) const;
   [[noreturn]] void FailDate(int column, const std::string& text) const;
 
-  int FindHere(std::span<const int> columns, std::span<const KeyView> keys) const;
-  const Index& IndexOver(std::span<const int> columns) const;
+  int FindBy(const Index& index, std::span<const KeyView> keys) const;
+  const Index* KnownIndex(std::span<const int> columns) const;
   bool Varies(std::size_t column) const;
-  Index BuildIndex(std::span<const int> columns) const;
-  bool SameKeys(std::size_t row, std::size_t other, std::span<const int> columns) const;
+  void EnterRows(Index& index) const;
+  bool Equals(Row row, const Index& index, std::span<const KeyView> keys) const;
+  bool SameNumber(Value value, std::int64_t number) const;
+  bool SameKeys(Row row, Row other, const Index& index) const;
 
   std::shared_ptr<const ResultColumns> columns_;
   std::shared_ptr<const std::vector<int>>

@@ -126,7 +126,8 @@ TEST_F(QueryTest, LocateFindsTheFirstExactMatch) {
 TEST_F(QueryTest, LocateAmongManyRowsAgreesWithASearchByHand) {
   Open(
       "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 4999) "
-      "SELECT i, i % 7 AS a, 'k' || (i % 313) AS b FROM n");
+      "SELECT i, CASE i % 3 WHEN 0 THEN i % 7 WHEN 1 THEN CAST(i % 7 AS TEXT) ELSE i % 7 + 0.0 END AS a, "
+      "'k' || (i % 313) AS b FROM n");
   for (int a = 0; a < 8; ++a) {
     for (int b = 0; b < 314; b += 3) {
       int expected = -1;
