@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,14 +54,32 @@ class DistinctStatement {
 
   const std::string& Table() const { return table_; }
 
-  std::string Rewritten() const {
+  /// Whether there is but one order of the rows: each column that is no constant is sorted by.
+  bool IsInTotalOrder() const {
+    const auto is_comma = [](const SqlToken& token) { return token.IsMark(','); };
+    if (order_.Size() < 3) return false;
+    const std::vector<TokenSpan> terms = SplitSpan(tokens_, {order_.begin + 2, order_.end}, is_comma);
+    return std::ranges::all_of(SplitSpan(tokens_, list_, is_comma), [&](const TokenSpan& item) {
+      const bool named = item.Size() > 2 && tokens_[item.end - 2].IsWord("as");
+      const TokenSpan expression = {item.begin, named ? item.end - 2 : item.end};
+      const std::string name = named ? NameOf(tokens_[item.end - 1]) : "";
+      return IsValue(expression) || std::ranges::any_of(terms, [&](const TokenSpan& term) {
+               const bool is_name = named && term.Size() == 1 && SameName(NameOf(tokens_[term.begin]), name);
+               return is_name || TextOf(term) == TextOf(expression);
+             });
+    });
+  }
+
+  /// `join` stands between the table and what it is joined with.
+  std::string Rewritten(std::string_view join) const {
     const SqlToken& table = tokens_[from_.begin];
     std::string columns;
     for (const std::string& column : columns_) columns += (columns.empty() ? "" : ", ") + QuoteName(column);
     std::string text(sql_.substr(0, table.begin));
     text.append("(SELECT DISTINCT ").append(columns).append(" FROM ").append(table.text);
     text.append(Conditions(" WHERE ", moved_)).append(") AS ").append(table.text);
-    text.append(sql_.substr(table.End(), tokens_[from_.end].begin - table.End()));
+    const std::size_t joined = join.empty() ? table.End() : JoinEnd();
+    text.append(join).append(sql_.substr(joined, tokens_[from_.end].begin - joined));
     text.append(Conditions("WHERE ", kept_));
     if (order_.Size() > 0) text.append(" ").append(sql_.substr(tokens_[order_.begin].begin));
     return text;
@@ -177,6 +196,16 @@ class DistinctStatement {
     return (has("char") || has("clob") || has("text")) && !has("int");
   }
 
+  std::string_view TextOf(const TokenSpan& span) const {
+    const std::size_t begin = tokens_[span.begin].begin;
+    return sql_.substr(begin, tokens_[span.end - 1].End() - begin);
+  }
+
+  /// Behind the comma, JOIN or INNER JOIN that follows the table.
+  std::size_t JoinEnd() const {
+    return tokens_[from_.begin + (tokens_[from_.begin + 1].IsWord("inner") ? 2 : 1)].End();
+  }
+
   std::string Conditions(std::string_view begin, const std::vector<TokenSpan>& conditions) const {
     std::string text;
     for (const TokenSpan& each : conditions) {
@@ -198,11 +227,21 @@ class DistinctStatement {
   std::vector<std::string> columns_;
 };
 
-/// The number of a subselect says only where in the text it stands.
+constexpr std::string_view kVirtualTable = " VIRTUAL TABLE INDEX ";
+
+bool ReadsHeldTable(const PlanStep& step) {
+  return step.text.find(kVirtualTable) != std::string::npos;
+}
+
+/// The number of a subselect says only where in the text it stands; and in which columns the rows of a held
+/// table are to differ says nothing about their order.
 std::string WithoutNumber(std::string step) {
   constexpr std::string_view kSubquery = "SUBQUERY ";
-  const std::size_t found = step.find(kSubquery);
-  return found == std::string::npos ? step : step.substr(0, found + kSubquery.size());
+  if (const std::size_t found = step.find(kSubquery); found != std::string::npos)
+    return step.substr(0, found + kSubquery.size());
+  const std::size_t held = step.find(kVirtualTable);
+  const std::size_t number = held == std::string::npos ? held : step.find(':', held);
+  return number == std::string::npos ? step : step.substr(0, step.find(':', number + 1));
 }
 
 /// The plan of a rewritten statement with the steps that find the distinct rows in place of the one that
@@ -216,23 +255,41 @@ std::vector<PlanStep> WithDistinctInPlace(const std::vector<PlanStep>& plan, con
     if (!inside) rest.push_back(step);
     if (inside && step.depth > 0) distinct.push_back({step.depth - 1, step.text});
   }
+  // A held table leaves out most rows that are alike by itself; what the database does about the others keeps
+  // the first of them, in the order in which they come.
+  if (std::ranges::any_of(distinct, ReadsHeldTable)) {
+    std::erase_if(distinct, [](const PlanStep& step) {
+      return step.depth == 0 && step.text == "USE TEMP B-TREE FOR DISTINCT";
+    });
+  }
   const auto reads = std::ranges::find(rest, PlanStep{0, "SCAN " + table});
   if (reads == rest.end()) return {};
   rest.insert(rest.erase(reads), distinct.begin(), distinct.end());
   return rest;
 }
 
-bool FindsRowsAlike(const SqliteConnection& connection, const std::string& sql, const std::string& rewritten,
+bool FindsRowsAlike(const std::vector<PlanStep>& plan, const std::vector<PlanStep>& rewritten,
                     const std::string& table) {
+  return std::ranges::equal(
+      plan, WithDistinctInPlace(rewritten, table), [](const PlanStep& left, const PlanStep& right) {
+        return left.depth == right.depth && WithoutNumber(left.text) == WithoutNumber(right.text);
+      });
+}
+
+/// The statement in the form that does not change its answer; nothing when none is known.
+std::optional<std::string> Rewritten(const SqliteConnection& connection, const std::string& sql,
+                                     bool is_sorted, const DistinctStatement& statement) {
   try {
-    const auto same = [](const PlanStep& left, const PlanStep& right) {
-      return left.depth == right.depth && WithoutNumber(left.text) == WithoutNumber(right.text);
-    };
-    return std::ranges::equal(PlanOf(connection, sql),
-                              WithDistinctInPlace(PlanOf(connection, rewritten), table), same);
+    const std::vector<PlanStep> plan = PlanOf(connection, sql);
+    const bool held = std::ranges::any_of(plan, ReadsHeldTable);
+    if (held && (is_sorted || statement.IsInTotalOrder())) return statement.Rewritten("");
+    // The rows of a held table come first in this plan too, if they do in the other.
+    std::string rewritten = statement.Rewritten(held ? " CROSS JOIN" : "");
+    if (FindsRowsAlike(plan, PlanOf(connection, rewritten), statement.Table())) return rewritten;
   } catch (const DatabaseError&) {
-    return false;  // of the statement as it is the caller will be told what is wrong
+    // Of the statement as it is the caller will be told what is wrong.
   }
+  return std::nullopt;
 }
 
 /// Where the statement that selects begins and ends: all of it, or what "SELECT * FROM (...) ORDER BY" sorts.
@@ -253,9 +310,8 @@ std::string JoinWhatIsDistinct(const std::string& sql, const SqliteConnection& c
   const std::string part = sql.substr(begin, end - begin);
   DistinctStatement statement(part, connection, guard);
   if (!statement.Parse(find_table)) return sql;
-  const std::string rewritten = statement.Rewritten();
-  if (!FindsRowsAlike(connection, part, rewritten, statement.Table())) return sql;
-  return sql.substr(0, begin) + rewritten + sql.substr(end);
+  const std::optional<std::string> rewritten = Rewritten(connection, part, begin > 0, statement);
+  return rewritten ? sql.substr(0, begin) + *rewritten + sql.substr(end) : sql;
 }
 
 }  // namespace excelexp
