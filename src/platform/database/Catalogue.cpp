@@ -47,8 +47,19 @@ void BindText(sqlite3_stmt* statement, int index, const std::string& text) {
 
 }  // namespace
 
+void Catalogue::Rewinder::operator()(sqlite3_stmt* statement) const {
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+}
+
+Catalogue::Borrowed Catalogue::Borrow(const char* sql) const {
+  SqliteStatement& statement = kept_[sql];
+  if (statement == nullptr) statement = connection_.Prepare(sql, sql);
+  return Borrowed(statement.get());
+}
+
 Catalogue::Declared Catalogue::FindDeclared(std::string_view name) const {
-  const SqliteStatement statement = connection_.Prepare(kNameSql, kNameSql);
+  const Borrowed statement = Borrow(kNameSql);
   BindText(statement.get(), 1, std::string(name));
   if (!connection_.Step(statement.get(), kNameSql)) return {};
   return {TextAt(statement.get(), 0), TextAt(statement.get(), 1)};
@@ -69,19 +80,25 @@ const TableShape* Catalogue::Find(std::string_view name) {
   return entry->second.get();
 }
 
-TableShape Catalogue::Read(const Declared& declared) const {
-  TableShape shape;
-  shape.name = declared.name;
-  const SqliteStatement columns = connection_.Prepare(kColumnsSql, kColumnsSql);
+std::vector<TableShape::Column> Catalogue::ReadColumns(const Declared& declared) const {
+  std::vector<TableShape::Column> read;
+  const Borrowed columns = Borrow(kColumnsSql);
   BindText(columns.get(), 1, declared.name);
   BindText(columns.get(), 2, declared.schema);
   try {
     while (connection_.Step(columns.get(), kColumnsSql))
-      shape.columns.push_back({TextAt(columns.get(), 0), TextAt(columns.get(), 1)});
+      read.push_back({TextAt(columns.get(), 0), TextAt(columns.get(), 1)});
   } catch (const DatabaseError&) {
-    return shape;  // a view that does not compile; a statement that reads it will say why
+    // A view that does not compile; a statement that reads it will say why.
   }
-  const SqliteStatement keys = connection_.Prepare(kKeysSql, kKeysSql);
+  return read;
+}
+
+TableShape Catalogue::Read(const Declared& declared) const {
+  TableShape shape;
+  shape.name = declared.name;
+  shape.columns = ReadColumns(declared);
+  const Borrowed keys = Borrow(kKeysSql);
   BindText(keys.get(), 1, declared.name);
   BindText(keys.get(), 2, declared.schema);
   int id = -1;
@@ -114,12 +131,12 @@ void Catalogue::FillSystemTables() {
     BindText(insert_table.get(), 2, name);
     BindText(insert_table.get(), 3, TextAt(tables.get(), 1));
     insert(insert_table, kInsertTable);
-    const TableShape* shape = Find(name);
-    for (int i = 0; shape != nullptr && i < static_cast<int>(shape->columns.size()); ++i) {
+    int column_id = 0;
+    for (const TableShape::Column& column : ReadColumns({name, "main"})) {
       sqlite3_bind_int(insert_column.get(), 1, table_id);
-      sqlite3_bind_int(insert_column.get(), 2, i + 1);
-      BindText(insert_column.get(), 3, shape->columns[i].name);
-      BindText(insert_column.get(), 4, shape->columns[i].declared_type);
+      sqlite3_bind_int(insert_column.get(), 2, ++column_id);
+      BindText(insert_column.get(), 3, column.name);
+      BindText(insert_column.get(), 4, column.declared_type);
       insert(insert_column, kInsertColumn);
     }
   }

@@ -4,12 +4,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
+#include "platform/database/SqliteConnection.h"
 #include "platform/database/TableShape.h"
 
 namespace excelexp {
-
-class SqliteConnection;
 
 /// The tables of a database, looked up when first asked for, and the catalogue tables made from them.
 ///
@@ -36,14 +36,23 @@ class Catalogue {
   void Forget();
 
  private:
+  /// A statement that is kept; to be rewound after each use, for a running one keeps the file locked.
+  struct Rewinder {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  using Borrowed = std::unique_ptr<sqlite3_stmt, Rewinder>;
+  Borrowed Borrow(const char* sql) const;
+
   struct Declared {
     std::string name;    ///< as it was declared; "" when there is no such table or view
     std::string schema;  ///< "main" or "temp"
   };
-  TableShape Read(const Declared& declared) const;
   Declared FindDeclared(std::string_view name) const;
+  std::vector<TableShape::Column> ReadColumns(const Declared& declared) const;
+  TableShape Read(const Declared& declared) const;
 
   const SqliteConnection& connection_;
+  mutable std::unordered_map<const char*, SqliteStatement> kept_;        // by their text, a constant
   std::unordered_map<std::string, std::unique_ptr<TableShape>> tables_;  // by folded name
   bool own_system_tables_ = false;
   bool filled_ = false;
