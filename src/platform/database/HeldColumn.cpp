@@ -63,13 +63,12 @@ bool ComesBefore(const HeldValue& a, const HeldValue& b) {
 }
 
 HeldValue HeldColumn::Unpacked(Kind kind, std::uint64_t bits) const {
-  if (kind != Kind::kText && kind != Kind::kBlob) return {kind, static_cast<std::int64_t>(bits)};
+  if (!IsBytes(kind)) return {kind, static_cast<std::int64_t>(bits)};
   return {kind, 0, std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu)};
 }
 
 HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
-  if (value.kind != Kind::kText && value.kind != Kind::kBlob)
-    return {value.kind, 0, static_cast<std::uint64_t>(value.integer)};
+  if (!IsBytes(value.kind)) return {value.kind, 0, static_cast<std::uint64_t>(value.integer)};
   const std::size_t offset = text_.size();
   if (offset + value.bytes.size() > std::numeric_limits<std::uint32_t>::max())
     throw DatabaseError("the rows hold more text than 4 GiB in one column", "");
@@ -77,45 +76,16 @@ HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
   return {value.kind, 0, static_cast<std::uint64_t>(offset) << 32 | value.bytes.size()};
 }
 
-void HeldColumn::Add(const HeldValue& value) {
-  if (!is_plain_) {
-    AddCode(CodeOf(value));
-    if (RepeatsTooLittle()) HoldPlain();
-    return;
-  }
+void HeldColumn::AddPlain(const HeldValue& value) {
   const Value packed = Pack(value);
   plain_kinds_.push_back(packed.kind);
   plain_bits_.push_back(packed.bits);
-  ++rows_;
 }
 
-void HeldColumn::AddCode(Code code) {
-  if (width_ == 1) {
-    codes_.push_back(static_cast<std::uint8_t>(code));
-  } else if (width_ > 1) {
-    codes_.resize(codes_.size() + width_);
-    StoreCode(rows_, code);
-  }
-  ++rows_;
-}
-
-bool HeldColumn::Is(Code code, const HeldValue& value) const {
-  const Value& known = values_[code];
-  if (known.kind != value.kind) return false;
-  if (value.kind != Kind::kText && value.kind != Kind::kBlob)
-    return static_cast<std::int64_t>(known.bits) == value.integer;
-  return (known.bits & 0xffffffffu) == value.bytes.size() &&
-         std::memcmp(text_.data() + (known.bits >> 32), value.bytes.data(), value.bytes.size()) == 0;
-}
-
-HeldColumn::Code HeldColumn::CodeOf(const HeldValue& value) {
-  if (values_.empty()) return last_ = SearchCode(value);
-  if (Is(last_, value)) return last_;
-  const Code next = values_[last_].next;
-  if (Is(next, value)) return last_ = next;
-  const Code code = SearchCode(value);
-  values_[last_].next = code;
-  return last_ = code;
+void HeldColumn::AddWide(Code code) {
+  codes_.resize(codes_.size() + width_);
+  StoreCode(rows_, code);
+  if (code + 1 == values_.size() && RepeatsTooLittle()) HoldPlain();
 }
 
 HeldColumn::Code HeldColumn::SearchCode(const HeldValue& value) {
@@ -140,7 +110,7 @@ std::optional<HeldColumn::Code> HeldColumn::Find(const HeldValue& value) const {
 std::size_t HeldColumn::SlotOf(const HeldValue& value) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = HashOf(value) & mask;
-  while (slots_[slot] != 0 && !Is(slots_[slot] - 1, value)) slot = (slot + 1) & mask;
+  while (slots_[slot] != 0 && !Is(values_[slots_[slot] - 1], value)) slot = (slot + 1) & mask;
   return slot;
 }
 
@@ -199,10 +169,9 @@ bool HeldColumn::RepeatsTooLittle() const {
          values_.size() * kRowsPerNumber > rows_ && IsNumber(values_.back().kind);
 }
 
+/// Called for the last row, before it is counted.
 void HeldColumn::HoldPlain() {
-  plain_bits_.reserve(rows_ * 2);
-  plain_kinds_.reserve(rows_ * 2);
-  for (std::size_t row = 0; row < rows_; ++row) {
+  for (std::size_t row = 0; row <= rows_; ++row) {
     plain_bits_.push_back(values_[CodeAt(row)].bits);
     plain_kinds_.push_back(values_[CodeAt(row)].kind);
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,9 +37,26 @@ class HeldColumn {
   explicit HeldColumn(Numbers numbers = Numbers::kAsTheyCome) : numbers_(numbers) {}
 
   /// Appends a row. Throws DatabaseError beyond 4 GiB of text.
-  void Add(const HeldValue& value);
+  void Add(const HeldValue& value) {
+    if (is_plain_) {
+      AddPlain(value);
+    } else if (const Code code = CodeOf(value); width_ == 1) {
+      codes_.push_back(static_cast<std::uint8_t>(code));
+    } else if (width_ > 1) {
+      AddWide(code);
+    }
+    ++rows_;
+  }
   /// The code of a value, which gets one if it has none. Only while the column has codes.
-  Code CodeOf(const HeldValue& value);
+  Code CodeOf(const HeldValue& value) {
+    if (values_.empty()) return last_ = SearchCode(value);
+    if (Is(values_[last_], value)) return last_;
+    const Code next = values_[last_].next;
+    if (Is(values_[next], value)) return last_ = next;
+    const Code code = SearchCode(value);
+    values_[last_].next = code;
+    return last_ = code;
+  }
 
   /// Texts point into the column and stay as long as it does.
   HeldValue At(std::size_t row) const { return is_plain_ ? Plain(row) : ValueOf(CodeAt(row)); }
@@ -73,9 +91,17 @@ class HeldColumn {
   HeldValue Unpacked(Kind kind, std::uint64_t bits) const;
   HeldValue Plain(std::size_t row) const { return Unpacked(plain_kinds_[row], plain_bits_[row]); }
   Value Pack(const HeldValue& value);
-  bool Is(Code code, const HeldValue& value) const;
+  static bool IsBytes(Kind kind) { return kind == Kind::kText || kind == Kind::kBlob; }
+  bool Is(const Value& known, const HeldValue& value) const {
+    if (known.kind != value.kind) return false;
+    if (!IsBytes(value.kind)) return static_cast<std::int64_t>(known.bits) == value.integer;
+    return (known.bits & 0xffffffffu) == value.bytes.size() &&
+           (value.bytes.empty() ||
+            std::memcmp(text_.data() + (known.bits >> 32), value.bytes.data(), value.bytes.size()) == 0);
+  }
   Code SearchCode(const HeldValue& value);
-  void AddCode(Code code);
+  void AddPlain(const HeldValue& value);
+  void AddWide(Code code);
   std::size_t SlotOf(const HeldValue& value) const;
   void GrowSlots();
   void Widen(std::size_t width);
