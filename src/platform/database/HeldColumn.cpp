@@ -62,11 +62,6 @@ bool ComesBefore(const HeldValue& a, const HeldValue& b) {
   return whole ? a.integer < b.integer : a.AsFloat() < b.AsFloat();
 }
 
-HeldValue HeldColumn::Unpacked(Kind kind, std::uint64_t bits) const {
-  if (!IsBytes(kind)) return {kind, static_cast<std::int64_t>(bits)};
-  return {kind, 0, std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu)};
-}
-
 HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
   if (!IsBytes(value.kind)) return {value.kind, 0, static_cast<std::uint64_t>(value.integer)};
   const std::size_t offset = text_.size();
@@ -117,26 +112,6 @@ std::size_t HeldColumn::SlotOf(const HeldValue& value) const {
 void HeldColumn::GrowSlots() {
   slots_.assign(std::bit_ceil(values_.size() * 4 + 8), 0);
   for (Code code = 0; code < values_.size(); ++code) slots_[SlotOf(ValueOf(code))] = code + 1;
-}
-
-HeldColumn::Code HeldColumn::CodeAt(std::size_t row) const {
-  const std::uint8_t* const at = codes_.data() + row * width_;
-  switch (width_) {
-    case 0:
-      return 0;
-    case 1:
-      return *at;
-    case 2: {
-      std::uint16_t code = 0;
-      std::memcpy(&code, at, sizeof code);
-      return code;
-    }
-    default: {
-      Code code = 0;
-      std::memcpy(&code, at, sizeof code);
-      return code;
-    }
-  }
 }
 
 void HeldColumn::StoreCode(std::size_t row, Code code) {

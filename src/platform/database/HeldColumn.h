@@ -60,7 +60,11 @@ class HeldColumn {
 
   /// Texts point into the column and stay as long as it does.
   HeldValue At(std::size_t row) const { return is_plain_ ? Plain(row) : ValueOf(CodeAt(row)); }
-  Code CodeAt(std::size_t row) const;
+  Code CodeAt(std::size_t row) const {
+    if (width_ == 0) return 0;
+    if (width_ == 1) return codes_[row];
+    return width_ == 2 ? Wide<std::uint16_t>(row) : Wide<Code>(row);
+  }
   HeldValue ValueOf(Code code) const { return Unpacked(values_[code].kind, values_[code].bits); }
   /// Nothing for a value that no row has.
   std::optional<Code> Find(const HeldValue& value) const;
@@ -88,9 +92,18 @@ class HeldColumn {
     std::uint64_t bits;
   };
 
-  HeldValue Unpacked(Kind kind, std::uint64_t bits) const;
+  HeldValue Unpacked(Kind kind, std::uint64_t bits) const {
+    if (!IsBytes(kind)) return {kind, static_cast<std::int64_t>(bits)};
+    return {kind, 0, std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu)};
+  }
   HeldValue Plain(std::size_t row) const { return Unpacked(plain_kinds_[row], plain_bits_[row]); }
   Value Pack(const HeldValue& value);
+  template <typename Stored>
+  Code Wide(std::size_t row) const {
+    Stored code = 0;
+    std::memcpy(&code, codes_.data() + row * sizeof code, sizeof code);
+    return code;
+  }
   static bool IsBytes(Kind kind) { return kind == Kind::kText || kind == Kind::kBlob; }
   bool Is(const Value& known, const HeldValue& value) const {
     if (known.kind != value.kind) return false;

@@ -3,7 +3,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "platform/database/HeldTables.h"
@@ -38,6 +37,13 @@ void Add(const HeldValue& value, ResultSetBuilder& builder) {
       return builder.AddBlob(value.bytes);
   }
 }
+
+/// Where a column of a result comes from, and which value its last row has.
+struct WantedColumn {
+  const HeldColumn* held;
+  int joined;
+  HeldColumn::Code above = 0;
+};
 
 std::string_view OriginOf(const char* name) {
   return name == nullptr ? std::string_view() : std::string_view(name);
@@ -200,9 +206,14 @@ bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const 
     joined_generation_ = generation;
     joined_results_.clear();
   }
-  if (reference_ >= 0 && found.rows != nullptr && !found.rows->Column(reference_).HasCodes()) return false;
-  constexpr HeldColumn::Code kNone = std::numeric_limits<HeldColumn::Code>::max();
-  std::vector<HeldColumn::Code> above(wanted.size(), kNone);  // codes in the row above
+  if (found.rows == nullptr) return true;
+  if (reference_ >= 0 && !found.rows->Column(reference_).HasCodes()) return false;
+  std::vector<WantedColumn> columns;
+  columns.reserve(wanted.size());
+  for (const int column : wanted) {
+    const Source& source = sources_[static_cast<std::size_t>(column)];
+    columns.push_back({source.held < 0 ? nullptr : &found.rows->Column(source.held), source.joined});
+  }
   const ResultSet* joined_above = nullptr;
   for (const std::size_t row : std::span(found.places).first(count)) {
     const ResultSet* joined = nullptr;
@@ -211,18 +222,17 @@ bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const 
       if (joined->RowCount() > 1) return false;
       if (joined->IsEmpty()) continue;
     }
-    // A block of rows of a result begins anew: there is no row above.
-    const bool begins = builder.BeginRow();
-    for (std::size_t i = 0; i < wanted.size(); ++i) {
-      const Source& source = sources_[static_cast<std::size_t>(wanted[i])];
-      if (source.held < 0) {
-        !begins&& joined == joined_above ? builder.AddSame() : builder.AddFrom(*joined, 0, source.joined);
-        continue;
+    const bool has_above = !builder.BeginRow();
+    for (WantedColumn& column : columns) {
+      if (column.held == nullptr) {
+        has_above&& joined == joined_above ? builder.AddSame() : builder.AddFrom(*joined, 0, column.joined);
+      } else if (!column.held->HasCodes()) {
+        Add(column.held->At(row), builder);
+      } else {
+        const HeldColumn::Code code = column.held->CodeAt(row);
+        has_above&& code == column.above ? builder.AddSame() : Add(column.held->ValueOf(code), builder);
+        column.above = code;
       }
-      const HeldColumn& column = found.rows->Column(source.held);
-      const HeldColumn::Code code = column.HasCodes() ? column.CodeAt(row) : kNone;
-      !begins&& code != kNone&& code == above[i] ? builder.AddSame() : Add(column.At(row), builder);
-      above[i] = code;
     }
     joined_above = joined;
   }
