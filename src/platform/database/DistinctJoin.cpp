@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/Names.h"
 #include "platform/database/QueryPlan.h"
 #include "platform/database/SqlClauses.h"
 #include "platform/database/SqliteConnection.h"
@@ -23,15 +24,11 @@ namespace {
 // conditions are not simply what stands between the ANDs.
 constexpr std::array<std::string_view, 11> kOtherClauses = {
     "group", "having", "limit", "window", "offset", "union", "intersect", "except", "or", "between", "case"};
-// Nothing can be moved in front of an outer join, and a natural one depends on which columns a table has.
-constexpr std::array<std::string_view, 6> kOtherJoins = {"natural", "left",  "right",
-                                                         "full",    "outer", "cross"};
 constexpr std::array<std::string_view, 3> kRowIds = {"rowid", "oid", "_rowid_"};
 
-template <std::size_t N>
-bool IsOneOf(const SqlToken& token, const std::array<std::string_view, N>& words) {
+bool IsRowId(const SqlToken& token) {
   return token.IsName() &&
-         std::ranges::any_of(words, [&](std::string_view word) { return SameName(NameOf(token), word); });
+         std::ranges::any_of(kRowIds, [&](std::string_view name) { return SameName(NameOf(token), name); });
 }
 
 /// A statement whose first table's rows can be made distinct before they are joined.
@@ -42,7 +39,7 @@ class DistinctStatement {
 
   /// False when the statement has anything that is not known here.
   bool Parse(const FindTable& find_table) {
-    if (!FindClauses() || !FindFirstTable(find_table) || !HasNumberedParameters()) return false;
+    if (!FindClauses() || !FindFirstTable(find_table) || !HasOnlyNumberedParameters(tokens_)) return false;
     const auto is_and = [](const SqlToken& token) { return token.IsWord("and"); };
     for (const TokenSpan& condition : SplitSpan(tokens_, where_, is_and)) {
       if (condition.Size() == 0) return false;
@@ -63,7 +60,7 @@ class DistinctStatement {
       const bool named = item.Size() > 2 && tokens_[item.end - 2].IsWord("as");
       const TokenSpan expression = {item.begin, named ? item.end - 2 : item.end};
       const std::string name = named ? NameOf(tokens_[item.end - 1]) : "";
-      return IsValue(expression) || std::ranges::any_of(terms, [&](const TokenSpan& term) {
+      return IsValue(tokens_, expression) || std::ranges::any_of(terms, [&](const TokenSpan& term) {
                const bool is_name = named && term.Size() == 1 && SameName(NameOf(tokens_[term.begin]), name);
                return is_name || TextOf(term) == TextOf(expression);
              });
@@ -107,25 +104,10 @@ class DistinctStatement {
     if (from_.Size() < 3 || !tokens_[from_.begin].IsName()) return false;
     const SqlToken& next = tokens_[from_.begin + 1];
     if (!next.IsMark(',') && !next.IsWord("join") && !next.IsWord("inner")) return false;
-    for (std::size_t i = from_.begin; i < from_.end; ++i)
-      if (IsOneOf(tokens_[i], kOtherJoins)) return false;
+    if (HasOtherJoins(tokens_, from_)) return false;
     table_ = NameOf(tokens_[from_.begin]);
     shape_ = find_table(table_);
     return shape_ != nullptr;
-  }
-
-  /// Others would get their numbers from where they stand.
-  bool HasNumberedParameters() const {
-    for (std::size_t i = 0; i < tokens_.size(); ++i) {
-      if (tokens_[i].IsMark(':') || tokens_[i].IsMark('@') || tokens_[i].IsMark('$')) return false;
-      if (tokens_[i].IsMark('?') && !IsParameter(i)) return false;
-    }
-    return true;
-  }
-
-  bool IsParameter(std::size_t i) const {
-    return tokens_[i].IsMark('?') && i + 1 < tokens_.size() &&
-           tokens_[i + 1].kind == SqlToken::Kind::kNumber && tokens_[i + 1].begin == tokens_[i].End();
   }
 
   /// "column = value" or "column IN (SELECT ...)" with a column of the table. Neither fails for one row
@@ -138,15 +120,9 @@ class DistinctStatement {
     if (qualified && !SameName(NameOf(tokens_[name.begin]), table_)) return false;
     if (shape_->Find(NameOf(tokens_[name.end - 1])) == nullptr) return false;
     const TokenSpan value = {name.end + 1, condition.end};
-    if (tokens_[name.end].IsMark('=')) return IsValue(value);
+    if (tokens_[name.end].IsMark('=')) return IsValue(tokens_, value);
     return tokens_[name.end].IsWord("in") && IsParenthesised(tokens_, value) &&
            tokens_[value.begin + 1].IsWord("select");
-  }
-
-  bool IsValue(const TokenSpan& value) const {
-    const SqlToken& first = tokens_[value.begin];
-    const bool literal = first.kind == SqlToken::Kind::kString || first.kind == SqlToken::Kind::kNumber;
-    return (value.Size() == 1 && literal) || (value.Size() == 2 && IsParameter(value.begin));
   }
 
   /// Notes which of the table's columns are asked for, apart from the conditions that move. One too many does
@@ -160,7 +136,7 @@ class DistinctStatement {
     spans.insert(spans.end(), {list_, from_, order_});
     for (const TokenSpan& span : spans) {
       for (std::size_t i = span.begin; i < span.end; ++i) {
-        if (IsOneOf(tokens_[i], kRowIds)) return false;
+        if (IsRowId(tokens_[i])) return false;
         NoteColumn(i);
       }
     }

@@ -27,6 +27,20 @@ std::size_t FindWord(const std::vector<SqlToken>& tokens, const TokenSpan& span,
 /// Whether the span is a column name and nothing else, with or without its table.
 bool IsColumnName(const std::vector<SqlToken>& tokens, const TokenSpan& span);
 
+/// Whether the span is a literal or a numbered parameter and nothing else.
+bool IsValue(const std::vector<SqlToken>& tokens, const TokenSpan& span);
+
+/// False when parts of the statement must not change places: parameters without a number get theirs from
+/// where they stand.
+bool HasOnlyNumberedParameters(const std::vector<SqlToken>& tokens);
+
+/// Whether one of the words that join tables in another way than an inner join stands in the span. Conditions
+/// cannot be moved past an outer join, and a natural one depends on which columns a table has.
+bool HasOtherJoins(const std::vector<SqlToken>& tokens, const TokenSpan& span);
+
+/// One past the parenthesis that closes the one at `begin`; the number of tokens when none does.
+std::size_t EndOfParentheses(const std::vector<SqlToken>& tokens, std::size_t begin);
+
 /// Whether the span is one pair of parentheses and what stands in it.
 bool IsParenthesised(const std::vector<SqlToken>& tokens, const TokenSpan& span);
 

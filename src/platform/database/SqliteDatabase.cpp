@@ -399,9 +399,9 @@ CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string&
   std::string rewritten;
   try {
     const SqliteGuard::Pass pass(guard_);
-    rewritten =
-        JoinWhatIsDistinct(RewriteSql(FilterInsideUnions(SortWhatIsDistinct(sql), find_table_), find_table_),
-                           connection_, guard_, find_table_);
+    rewritten = RewriteSql(SortWhatIsDistinct(sql), find_table_);
+    rewritten = JoinWhatIsDistinct(rewritten, connection_, guard_, find_table_);
+    rewritten = FilterWhatIsUnited(rewritten, connection_);
   } catch (const DatabaseError& error) {
     throw DatabaseError(error.Message(), sent);
   }

@@ -2,151 +2,140 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
-#include <map>
-#include <span>
+#include <cstddef>
+#include <string_view>
 #include <vector>
 
-#include "platform/database/HeldTable.h"
-#include "platform/database/SqlTokens.h"
+#include "platform/database/DatabaseError.h"
+#include "platform/database/Names.h"
+#include "platform/database/QueryPlan.h"
+#include "platform/database/SqlClauses.h"
 
 namespace excelexp {
 namespace {
 
-using Tokens = std::span<const SqlToken>;
+// With one of these, outside of its subselects, a statement has more behind its FROM than conditions between
+// ANDs.
+constexpr std::array<std::string_view, 11> kOtherClauses = {
+    "group", "having", "limit", "window", "order", "union", "intersect", "except", "or", "between", "case"};
 
-// Where one of these stands among the conditions, ANDs do not part what must all hold.
-constexpr std::array<std::string_view, 4> kLoosens = {"or", "not", "between", "case"};
-constexpr std::array<std::string_view, 8> kEndsWhere = {"group", "having",    "window", "order",
-                                                        "limit", "intersect", "except", "union"};
-
-template <std::size_t N>
-bool IsOneOf(const SqlToken& token, const std::array<std::string_view, N>& words) {
-  return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
-}
-
-/// The first token outside of parentheses that meets the condition; one behind the last without one.
-template <typename Condition>
-std::size_t FindOutside(Tokens tokens, const Condition& meets) {
-  int depth = 0;
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (tokens[i].IsMark(')') && --depth < 0) return tokens.size();
-    if (depth == 0 && meets(tokens[i])) return i;
-    depth += tokens[i].IsMark('(') ? 1 : 0;
-  }
-  return tokens.size();
-}
-
-/// The parenthesis that closes what the tokens stand in; one behind the last without one.
-std::size_t FindClose(Tokens tokens) {
-  int depth = 0;
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (tokens[i].IsMark(')') && depth-- == 0) return i;
-    depth += tokens[i].IsMark('(') ? 1 : 0;
-  }
-  return tokens.size();
-}
-
-std::size_t FindWord(Tokens tokens, std::string_view word) {
-  return FindOutside(tokens, [word](const SqlToken& token) { return token.IsWord(word); });
-}
-
-struct Equality {
-  std::string table;
-  std::string column;
-  std::string parameter;
+/// "(SELECT * FROM table UNION SELECT ...) AS name" in a FROM clause.
+struct United {
+  std::string_view table;  ///< as written
+  std::string name;
+  std::size_t union_word;
 };
 
-/// "table.column = ?1" between ANDs.
-std::vector<Equality> EqualitiesOf(Tokens conditions) {
-  std::vector<Equality> equalities;
-  while (!conditions.empty()) {
-    const std::size_t end = FindWord(conditions, "and");
-    const Tokens term = conditions.first(end);
-    if (term.size() == 6 && term[0].IsName() && term[1].IsMark('.') && term[2].IsName() &&
-        term[3].IsMark('=') && term[4].IsMark('?') && term[5].kind == SqlToken::Kind::kNumber) {
-      equalities.push_back({NameOf(term[0]), NameOf(term[2]), "?" + std::string(term[5].text)});
+class UnionFilter {
+ public:
+  explicit UnionFilter(std::string_view sql) : sql_(sql), tokens_(TokenizeSql(sql)) {}
+
+  /// The tables that the conditions were put to.
+  const std::vector<std::string>& Tables() const { return tables_; }
+
+  std::string Run() {
+    if (!FindClauses()) return std::string(sql_);
+    std::string text;
+    std::size_t copied = 0;
+    for (std::size_t i = from_.begin; i < from_.end; ++i) {
+      United united;
+      const std::string condition = ReadUnited(i, united) ? ConditionOn(united) : "";
+      if (condition.empty()) continue;
+      const std::size_t place = tokens_[united.union_word].begin;
+      text.append(sql_.substr(copied, place - copied)).append(condition);
+      copied = place;
+      tables_.push_back(NameOf(tokens_[united.union_word - 1]));
     }
-    conditions = conditions.subspan(std::min(end + 1, conditions.size()));
+    return text.append(sql_.substr(copied));
   }
-  return equalities;
-}
 
-/// What is to be written where.
-using Insertions = std::map<std::size_t, std::string>;
+ private:
+  bool FindClauses() {
+    const std::size_t end = tokens_.size();
+    if (end < 8 || !tokens_[0].IsWord("select")) return false;
+    const std::size_t from = FindWord(tokens_, {0, end}, "from");
+    const std::size_t where = FindWord(tokens_, {from, end}, "where");
+    if (where == end) return false;
+    from_ = {from + 1, where};
+    where_ = {where + 1, end};
+    return HasOnlyNumberedParameters(tokens_) && !HasOtherJoins(tokens_, from_) &&
+           std::ranges::all_of(kOtherClauses, [&](std::string_view word) {
+             return FindWord(tokens_, {0, end}, word) == end;
+           });
+  }
 
-/// `derived` begins behind the parenthesis of "(SELECT * FROM T [WHERE ...] UNION SELECT ...) AS T".
-void FilterDerived(Tokens derived, const std::vector<Equality>& equalities, const FindTable& find_table,
-                   Insertions& insertions) {
-  if (derived.size() < 5 || !derived[0].IsWord("select") || !derived[1].IsMark('*') ||
-      !derived[2].IsWord("from") || !derived[3].IsName()) {
-    return;
+  bool ReadUnited(std::size_t begin, United& united) const {
+    if (!tokens_[begin].IsMark('(')) return false;
+    const std::size_t end = EndOfParentheses(tokens_, begin);
+    const bool known = end + 2 <= from_.end && end - begin > 7 && tokens_[begin + 1].IsWord("select") &&
+                       tokens_[begin + 2].IsMark('*') && tokens_[begin + 3].IsWord("from") &&
+                       tokens_[begin + 4].IsName() && tokens_[begin + 5].IsWord("union") &&
+                       tokens_[end].IsWord("as") && tokens_[end + 1].IsName();
+    if (!known || FindWord(tokens_, {begin + 1, end - 1}, "limit") != end - 1) return false;
+    united = {tokens_[begin + 4].text, NameOf(tokens_[end + 1]), begin + 5};
+    return true;
   }
-  const bool has_conditions = derived[4].IsWord("where");
-  const std::size_t end = FindWord(derived, "union");
-  if (end == derived.size() || (!has_conditions && end != 4) || derived[end + 1].IsWord("all")) return;
-  const Tokens conditions = derived.subspan(4, end - 4);
-  if (FindOutside(conditions, [](const SqlToken& token) { return IsOneOf(token, kLoosens); }) <
-      conditions.size()) {
-    return;
-  }
-  const TableShape* const table = find_table(NameOf(derived[3]));
-  std::string added;
-  for (const Equality& equality : equalities) {
-    const TableShape::Column* column = table == nullptr ? nullptr : table->Find(equality.column);
-    if (column == nullptr || AffinityOf(column->declared_type) != Affinity::kText) continue;
-    added += (added.empty() ? " " : " AND ") + QuoteName(equality.column) + " = " + equality.parameter;
-  }
-  if (added.empty()) return;
-  has_conditions ? insertions.emplace(derived[4].End(), added + " AND")
-                 : insertions.emplace(derived[3].End(), " WHERE" + added);
-}
 
-/// Goes through what stands between FROM and WHERE.
-void FilterTables(Tokens tables, const std::vector<Equality>& equalities, const FindTable& find_table,
-                  Insertions& insertions) {
-  const auto opens = [](const SqlToken& token) { return token.IsMark('('); };
-  for (std::size_t open = FindOutside(tables, opens); open < tables.size();
-       open = FindOutside(tables, opens)) {
-    tables = tables.subspan(open + 1);
-    const std::size_t close = FindClose(tables);
-    const Tokens behind = tables.subspan(std::min(close + 1, tables.size()));
-    if (behind.size() >= 2 && behind[0].IsWord("as") && behind[1].IsName()) {
-      std::vector<Equality> own;
-      std::ranges::copy_if(equalities, std::back_inserter(own), [&](const Equality& equality) {
-        return SameName(equality.table, NameOf(behind[1]));
-      });
-      FilterDerived(tables.first(close), own, find_table, insertions);
+  /// What is to stand before the UNION: the statement's condition "name.column = value"; "" when it has none.
+  std::string ConditionOn(const United& united) const {
+    const auto is_and = [](const SqlToken& token) { return token.IsWord("and"); };
+    for (const TokenSpan& condition : SplitSpan(tokens_, where_, is_and)) {
+      const std::size_t begin = condition.begin;
+      const bool compares = condition.Size() > 4 && IsColumnName(tokens_, {begin, begin + 3}) &&
+                            SameName(NameOf(tokens_[begin]), united.name) && tokens_[begin + 3].IsMark('=') &&
+                            IsValue(tokens_, {begin + 4, condition.end});
+      if (!compares) continue;
+      const std::size_t column = tokens_[begin + 2].begin;
+      const std::string where(sql_.substr(column, tokens_[condition.end - 1].End() - column));
+      const std::string table(united.table);
+      // The second select gives no rows. It keeps the number that the database expects, by which it decides
+      // in which order to join.
+      return "WHERE " + table + "." + where + " UNION SELECT * FROM " + table + " WHERE 0 ";
     }
-    tables = behind;
+    return "";
   }
+
+  std::string_view sql_;
+  std::vector<SqlToken> tokens_;
+  TokenSpan from_{}, where_{};
+  std::vector<std::string> tables_;
+};
+
+/// The plan of a rewritten statement with a table read as a whole again in each place where it is searched
+/// and then, by what was put to it, not read.
+std::vector<PlanStep> WithTablesRead(const std::vector<PlanStep>& plan,
+                                     const std::vector<std::string>& tables) {
+  std::vector<PlanStep> steps;
+  for (std::size_t i = 0; i < plan.size(); ++i) {
+    steps.push_back(plan[i]);
+    if (i + 2 >= plan.size()) continue;
+    const int depth = plan[i].depth;
+    for (const std::string& table : tables) {
+      const PlanStep read = {depth, "SCAN " + table};
+      const bool filtered = plan[i].text.starts_with("SEARCH " + table + " USING ") &&
+                            plan[i + 1] == PlanStep{depth - 1, "UNION USING TEMP B-TREE"} &&
+                            plan[i + 2] == read;
+      if (!filtered) continue;
+      steps.back() = read;
+      i += 2;
+      break;
+    }
+  }
+  return steps;
 }
 
 }  // namespace
 
-std::string FilterInsideUnions(std::string_view sql, const FindTable& find_table) {
-  const std::vector<SqlToken> all = TokenizeSql(sql);
-  const Tokens tokens(all);
-  const std::size_t from = FindWord(tokens, "from");
-  const std::size_t where = FindWord(tokens, "where");
-  if (from >= where || where == tokens.size()) return std::string(sql);
-  Tokens conditions = tokens.subspan(where + 1);
-  conditions = conditions.first(
-      FindOutside(conditions, [](const SqlToken& token) { return IsOneOf(token, kEndsWhere); }));
-  const bool all_must_hold = FindOutside(conditions, [](const SqlToken& token) {
-                               return IsOneOf(token, kLoosens);
-                             }) == conditions.size();
-  const std::vector<Equality> equalities = all_must_hold ? EqualitiesOf(conditions) : std::vector<Equality>{};
-  Insertions insertions;
-  if (!equalities.empty())
-    FilterTables(tokens.subspan(from + 1, where - from - 1), equalities, find_table, insertions);
-  std::string filtered;
-  std::size_t copied = 0;
-  for (const auto& [place, text] : insertions) {
-    filtered.append(sql.substr(copied, place - copied)).append(text);
-    copied = place;
+std::string FilterWhatIsUnited(const std::string& sql, const SqliteConnection& connection) {
+  UnionFilter filter(sql);
+  const std::string rewritten = filter.Run();
+  if (filter.Tables().empty()) return sql;
+  try {
+    const std::vector<PlanStep> plan = WithTablesRead(PlanOf(connection, rewritten), filter.Tables());
+    return plan == PlanOf(connection, sql) ? rewritten : sql;
+  } catch (const DatabaseError&) {
+    return sql;  // of the statement as it is the caller will be told what is wrong
   }
-  return filtered.append(sql.substr(copied));
 }
 
 }  // namespace excelexp

@@ -1,19 +1,16 @@
 #pragma once
 
 #include <string>
-#include <string_view>
-
-#include "platform/database/TableShape.h"
 
 namespace excelexp {
 
-/// "FROM (SELECT * FROM T UNION SELECT '', '') AS T WHERE T.Id = ?1" asks the database for all rows of the
-/// table, makes them distinct, and throws all but one away: once for every entity of a report. This writes
-/// the condition into the first half of the union too, where an index answers it.
-///
-/// Only for conditions of equality between a column of texts and a parameter, which stand alone between ANDs;
-/// everything else stays as it is, byte for byte. The condition keeps its place outside as well, so the rows
-/// cannot become more, and none that it lets pass is lost.
-std::string FilterInsideUnions(std::string_view sql, const FindTable& find_table);
+class SqliteConnection;
+
+/// "SELECT ... FROM (SELECT * FROM T UNION SELECT ...) AS U WHERE U.a = 1" with the condition inside as well,
+/// "... FROM (SELECT * FROM T WHERE T.a = 1 UNION SELECT ...) AS U WHERE U.a = 1": the database then searches
+/// T instead of uniting all of it. What is left out the condition outside would have left out, and the rows
+/// of a UNION are sorted whatever they are; the tables are joined in the same order (QueryPlan), or nothing
+/// is rewritten. Everything else stays as it is, byte for byte.
+std::string FilterWhatIsUnited(const std::string& sql, const SqliteConnection& connection);
 
 }  // namespace excelexp
