@@ -1156,44 +1156,51 @@ INSERT INTO DatabaseFunction VALUES
   ('FGetEmployeeKeyCostCentre', 1,
    'SELECT CostCentreId FROM EmployeeKeyCostCentre WHERE EmployeeSysId = ?1');
 
--- The two code descriptions differ only in whom they look up. A code that is not set is described as '': a
--- NULL would make a report group that no condition finds again.
+-- A code's description in two steps: which code somebody has, and what it stands for. There are few codes, and the
+-- values of a function are remembered, so hardly any code is looked up twice. A code that is not set is described
+-- as '': a NULL would make a report group that no condition finds again.
 INSERT INTO DatabaseFunction
-  SELECT Keyed.FunctionName, 2, 'SELECT COALESCE((SELECT CASE ?2' || Cases.Texts || ' END
-    FROM ' || Keyed.Whom || '), '''')'
-  FROM (SELECT 'FGetCodeDescription' AS FunctionName,
-               'Employee JOIN Personal ON Personal.PersonalSysId = Employee.PersonalSysId
-    WHERE Employee.EmployeeSysId = ?1' AS Whom
-        UNION ALL SELECT 'FGetCodeDescriptionByPersonal',
-               'Personal LEFT JOIN Employee ON Employee.PersonalSysId = Personal.PersonalSysId
-    WHERE Personal.PersonalSysId = ?1 ORDER BY Employee.HireDate DESC LIMIT 1') AS Keyed
-       CROSS JOIN (
-    SELECT group_concat(' WHEN ''' || column1 || ''' THEN (SELECT ' || column2 || ' FROM ' || column3
-                        || ' WHERE ' || column3 || '.' || column4 || ' = ' || column5 || '.' || column4 || ')', '')
-           AS Texts
-    FROM (VALUES
-      ('BranchDesc', 'BranchDesc', 'Branch', 'BranchId', 'Employee'),
-      ('CategoryDesc', 'CategoryDesc', 'Category', 'CategoryId', 'Employee'),
-      ('CessationDesc', 'CessationDesc', 'CessationCode', 'CessationCodeId', 'Employee'),
-      ('ClassificationDesc', 'ClassificationDesc', 'Classification', 'ClassificationId', 'Employee'),
-      ('DepartmentDesc', 'DepartmentDesc', 'Department', 'DepartmentId', 'Employee'),
-      ('EmpCode1Desc', 'EmpCode1Desc', 'EmpCode1', 'EmpCode1Id', 'Employee'),
-      ('EmpCode2Desc', 'EmpCode2Desc', 'EmpCode2', 'EmpCode2Id', 'Employee'),
-      ('EmpCode3Desc', 'EmpCode3Desc', 'EmpCode3', 'EmpCode3Id', 'Employee'),
-      ('EmpCode4Desc', 'EmpCode4Desc', 'EmpCode4', 'EmpCode4Id', 'Employee'),
-      ('EmpCode5Desc', 'EmpCode5Desc', 'EmpCode5', 'EmpCode5Id', 'Employee'),
-      ('EmpLocation1Desc', 'EmpLocation1Desc', 'EmpLocation1', 'EmpLocation1Id', 'Employee'),
-      ('EmpMaritalStatusDesc', 'MaritalStatusDesc', 'MaritalStatus', 'MaritalStatusId', 'Personal'),
-      ('PositionDesc', 'PositionDesc', 'Position', 'PositionId', 'Employee'),
-      ('EmpRaceDesc', 'RaceDesc', 'Race', 'RaceId', 'Personal'),
-      ('EmpReligionDesc', 'ReligionDesc', 'Religion', 'ReligionId', 'Personal'),
-      ('SalaryGradeDesc', 'SalaryGradeDesc', 'SalaryGrade', 'SalaryGradeId', 'Employee'),
-      ('SectionDesc', 'SectionDesc', 'Section', 'SectionId', 'Employee'),
-      ('EmpTitleDesc', 'TitleDesc', 'Title', 'TitleId', 'Personal'),
-      ('BloodGroupDesc', 'BloodGroupDesc', 'BloodGroup', 'BloodGroupId', 'Personal'),
-      ('IdentityTypeDesc', 'IdentityTypeDesc', 'IdentityType', 'IdentityTypeId', 'Personal'),
-      ('PersonalTypeDesc', 'PersonalTypeDesc', 'PersonalType', 'PersonalTypeId', 'Personal'),
-      ('PerMaritalStatusDesc', 'MaritalStatusDesc', 'MaritalStatus', 'MaritalStatusId', 'Personal'),
-      ('PerRaceDesc', 'RaceDesc', 'Race', 'RaceId', 'Personal'),
-      ('PerReligionDesc', 'ReligionDesc', 'Religion', 'ReligionId', 'Personal'),
-      ('PerTitleDesc', 'TitleDesc', 'Title', 'TitleId', 'Personal'))) AS Cases;
+  WITH CodeAttribute (Attribute, Description, CodeTable, CodeId, Owner) AS (VALUES
+    ('BranchDesc', 'BranchDesc', 'Branch', 'BranchId', 'Employee'),
+    ('CategoryDesc', 'CategoryDesc', 'Category', 'CategoryId', 'Employee'),
+    ('CessationDesc', 'CessationDesc', 'CessationCode', 'CessationCodeId', 'Employee'),
+    ('ClassificationDesc', 'ClassificationDesc', 'Classification', 'ClassificationId', 'Employee'),
+    ('DepartmentDesc', 'DepartmentDesc', 'Department', 'DepartmentId', 'Employee'),
+    ('EmpCode1Desc', 'EmpCode1Desc', 'EmpCode1', 'EmpCode1Id', 'Employee'),
+    ('EmpCode2Desc', 'EmpCode2Desc', 'EmpCode2', 'EmpCode2Id', 'Employee'),
+    ('EmpCode3Desc', 'EmpCode3Desc', 'EmpCode3', 'EmpCode3Id', 'Employee'),
+    ('EmpCode4Desc', 'EmpCode4Desc', 'EmpCode4', 'EmpCode4Id', 'Employee'),
+    ('EmpCode5Desc', 'EmpCode5Desc', 'EmpCode5', 'EmpCode5Id', 'Employee'),
+    ('EmpLocation1Desc', 'EmpLocation1Desc', 'EmpLocation1', 'EmpLocation1Id', 'Employee'),
+    ('EmpMaritalStatusDesc', 'MaritalStatusDesc', 'MaritalStatus', 'MaritalStatusId', 'Personal'),
+    ('PositionDesc', 'PositionDesc', 'Position', 'PositionId', 'Employee'),
+    ('EmpRaceDesc', 'RaceDesc', 'Race', 'RaceId', 'Personal'),
+    ('EmpReligionDesc', 'ReligionDesc', 'Religion', 'ReligionId', 'Personal'),
+    ('SalaryGradeDesc', 'SalaryGradeDesc', 'SalaryGrade', 'SalaryGradeId', 'Employee'),
+    ('SectionDesc', 'SectionDesc', 'Section', 'SectionId', 'Employee'),
+    ('EmpTitleDesc', 'TitleDesc', 'Title', 'TitleId', 'Personal'),
+    ('BloodGroupDesc', 'BloodGroupDesc', 'BloodGroup', 'BloodGroupId', 'Personal'),
+    ('IdentityTypeDesc', 'IdentityTypeDesc', 'IdentityType', 'IdentityTypeId', 'Personal'),
+    ('PersonalTypeDesc', 'PersonalTypeDesc', 'PersonalType', 'PersonalTypeId', 'Personal'),
+    ('PerMaritalStatusDesc', 'MaritalStatusDesc', 'MaritalStatus', 'MaritalStatusId', 'Personal'),
+    ('PerRaceDesc', 'RaceDesc', 'Race', 'RaceId', 'Personal'),
+    ('PerReligionDesc', 'ReligionDesc', 'Religion', 'ReligionId', 'Personal'),
+    ('PerTitleDesc', 'TitleDesc', 'Title', 'TitleId', 'Personal')),
+  Cases AS (
+    SELECT group_concat(' WHEN ''' || Attribute || ''' THEN (SELECT ' || Description || ' FROM ' || CodeTable
+                        || ' WHERE ' || CodeId || ' = ?2)', '') AS Texts,
+           group_concat(' WHEN ''' || Attribute || ''' THEN Employee.' || CodeId, '')
+             FILTER (WHERE Owner = 'Employee') AS EmployeeCodes,
+           group_concat(' WHEN ''' || Attribute || ''' THEN Personal.' || CodeId, '')
+             FILTER (WHERE Owner = 'Personal') AS PersonalCodes
+    FROM CodeAttribute)
+  SELECT 'FGetCodeText', 2, 'SELECT CASE ?1' || Texts || ' END' FROM Cases
+  UNION ALL
+  SELECT 'FGetCodeDescription', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || EmployeeCodes || '
+    ELSE (SELECT CASE ?2' || PersonalCodes || ' END FROM Personal
+          WHERE Personal.PersonalSysId = Employee.PersonalSysId) END
+    FROM Employee WHERE Employee.EmployeeSysId = ?1)), '''')' FROM Cases
+  UNION ALL
+  SELECT 'FGetCodeDescriptionByPersonal', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || EmployeeCodes
+    || PersonalCodes || ' END FROM Personal LEFT JOIN Employee ON Employee.PersonalSysId = Personal.PersonalSysId
+    WHERE Personal.PersonalSysId = ?1 ORDER BY Employee.HireDate DESC LIMIT 1)), '''')' FROM Cases;
