@@ -181,22 +181,25 @@ void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int
   for (int i = 0; i < count; ++i) sqlite3_bind_value(statement, i + 1, arguments[i]);
   const bool has_row = connection_.Step(statement, function.definition.sql);
   met_volatile_ = met_volatile_ || query.traits.is_volatile;
-  std::unique_ptr<sqlite3_value, ValueFreer> value;
-  if (has_row) value.reset(sqlite3_value_dup(sqlite3_column_value(statement, 0)));
-  Answer(context, value.get());
+  sqlite3_value* const value = has_row ? sqlite3_column_value(statement, 0) : nullptr;
+  Answer(context, value);
+  if (key && !met_volatile_) Remember(function, *std::move(key), value);
   sqlite3_reset(statement);
   sqlite3_clear_bindings(statement);
   function.idle.push_back(std::move(query));
-  if (met_volatile_ || !key) return;
+}
+
+void StoredFunctions::Remember(Function& function, std::string key, sqlite3_value* found) {
+  std::unique_ptr<sqlite3_value, ValueFreer> value(sqlite3_value_dup(found));
   const int type = value == nullptr ? SQLITE_NULL : sqlite3_value_type(value.get());
   const bool is_long = type == SQLITE_TEXT || type == SQLITE_BLOB;
-  const std::size_t bytes = key->size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;
+  const std::size_t bytes = key.size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;
   if (value_bytes_ + bytes > kMaxValueBytes) {
     for (const std::unique_ptr<Function>& each : functions_) each->values.clear();
     value_bytes_ = 0;
   }
   value_bytes_ += bytes;
-  function.values.emplace(*std::move(key), std::move(value));
+  function.values.emplace(std::move(key), std::move(value));
 }
 
 CompiledQuery StoredFunctions::Take(Function& function) {

@@ -74,6 +74,8 @@ class StoredFunctions {
   void Call(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments);
   void Evaluate(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments,
                 std::optional<std::string> key);
+  /// nullptr for a SELECT without a row.
+  void Remember(Function& function, std::string key, sqlite3_value* found);
   CompiledQuery Take(Function& function);
 
   SqliteConnection& connection_;
