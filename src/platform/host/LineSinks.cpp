@@ -34,25 +34,33 @@ FileLineSink::FileLineSink(const std::string& file) : file_(file), stream_(nullp
   const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (descriptor >= 0) CloseToOthers(descriptor);
   if (descriptor >= 0) stream_ = ::fdopen(descriptor, "w");
-  if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, kBufferBytes);
+  if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IONBF, 0);
   if (stream_ == nullptr) {
     const int reason = errno;
     if (descriptor >= 0) ::close(descriptor);
     throw std::system_error(reason, std::generic_category(), "cannot write the log " + file);
   }
+  lines_.reserve(kBufferBytes);
 }
 
 FileLineSink::~FileLineSink() {
+  WriteOut();
   std::fclose(stream_);
 }
 
 void FileLineSink::WriteLine(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stream_);
-  std::fputc('\n', stream_);
+  if (lines_.size() + line.size() >= kBufferBytes) WriteOut();
+  lines_.append(line).push_back('\n');
+}
+
+void FileLineSink::WriteOut() {
+  std::fwrite(lines_.data(), 1, lines_.size(), stream_);
+  lines_.clear();
 }
 
 void FileLineSink::Flush() {
-  if (std::fflush(stream_) != 0 || std::ferror(stream_) != 0) {
+  WriteOut();
+  if (std::ferror(stream_) != 0) {
     throw std::system_error(errno, std::generic_category(), "cannot write the log " + file_);
   }
 }

@@ -63,8 +63,11 @@ class FileLineSink final : public LineSink {
   void Flush();
 
  private:
+  void WriteOut();
+
   std::string file_;
-  std::FILE* stream_;
+  std::FILE* stream_;  ///< unbuffered: it keeps the error, the lines wait here
+  std::string lines_;
 };
 
 }  // namespace excelexp
