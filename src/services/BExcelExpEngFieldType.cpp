@@ -50,14 +50,6 @@ const CodeWord* FindWord(std::string_view column_type, std::string_view field, s
   });
 }
 
-std::string SelectItem(const std::string& value, const std::string& field_name) {
-  return value + " AS " + field_name;
-}
-
-std::string Between(const std::string& text) {
-  return "'" + text + "'";
-}
-
 }  // namespace
 
 int BExcelExpEngFieldType::Output(const std::string& cell_name, const std::string& column_type,
@@ -78,31 +70,31 @@ void BExcelExpEngFieldType::OutputValue(const std::string& cell_name, const std:
     const std::string text = field.AsString();
     const CodeWord* word = FindWord(column_type, field_name, text);
     WriteText(row, column, word != nullptr ? std::string(word->word) : text);
-    SelectList = SelectItem(Between(text), field_name);
+    SetSelectList("'", text, field_name);
   } else if (column_type == "integer" || column_type == "smallint") {
     const int number = field.AsInteger();
     const CodeWord* word = FindWord(column_type, field_name, std::to_string(number));
     word != nullptr ? WriteText(row, column, std::string(word->word)) : WriteNumber(row, column, number);
-    SelectList = SelectItem(std::to_string(number), field_name);
+    SetSelectList("", std::to_string(number), field_name);
   } else if (column_type == "double" || column_type == "decimal") {
     const double number = field.AsFloat();
     WriteNumber(row, column, number);
     core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell_name,
                                          core_->NumberFormat);
-    SelectList = SelectItem(FormatFloat("#0.00;-#0.00", number), field_name);
+    SetSelectList("", FormatFloat("#0.00;-#0.00", number), field_name);
   } else if (column_type == "date") {
     const std::string date = FormatDateTime("dd/mm/yyyy", field.AsDateTime());
     WriteText(row, column, FGetInValidDate(date));
-    SelectList = SelectItem(Between(date), field_name);
+    SetSelectList("'", date, field_name);
   } else if (column_type == "time") {
     const std::string time = FormatDateTime("hh:nn:ss", field.AsDateTime());
     WriteText(row, column, time);
-    SelectList = SelectItem(Between(time), field_name);
+    SetSelectList("'", time, field_name);
   } else if (column_type == "timestamp") {
     const DateTime moment = field.AsDateTime();
     const std::string text = FormatDateTime("dd/mm/yyyy hh:nn:ss", moment);
     WriteText(row, column, IsDateNull(moment) ? "" : text);
-    SelectList = SelectItem(Between(text), field_name);
+    SetSelectList("'", text, field_name);
   }
 }
 
@@ -124,12 +116,17 @@ std::string BExcelExpEngFieldType::TimeStampDisplayFormat(DateTime value) const 
   return midnight ? "dd/mm/yyyy" : "dd/mm/yyyy hh:nn:ss";
 }
 
+void BExcelExpEngFieldType::SetSelectList(std::string_view quote, std::string_view value,
+                                          const std::string& field_name) {
+  SelectList.assign(quote).append(value).append(quote).append(" AS ").append(field_name);
+}
+
 void BExcelExpEngFieldType::WriteText(int row, int column, const std::string& text) {
   core_->ExcelAPI->WriteTableCellText(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, text);
 }
 
-void BExcelExpEngFieldType::WriteNumber(int row, int column, const Variant& number) {
-  core_->ExcelAPI->WriteTableCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
+void BExcelExpEngFieldType::WriteNumber(int row, int column, double number) {
+  core_->ExcelAPI->WriteTableCellNumber(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
 }
 
 }  // namespace excelexp

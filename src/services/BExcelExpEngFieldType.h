@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "engine/BExcelExpEngCore.h"
 #include "platform/database/Query.h"
@@ -33,8 +34,9 @@ class BExcelExpEngFieldType {
  private:
   void OutputValue(const std::string& cell_name, const std::string& column_type,
                    const std::string& field_name, const Field& field, int row, int column);
+  void SetSelectList(std::string_view quote, std::string_view value, const std::string& field_name);
   void WriteText(int row, int column, const std::string& text);
-  void WriteNumber(int row, int column, const Variant& number);
+  void WriteNumber(int row, int column, double number);
 
   BExcelExpEngCore* core_;
   std::string SelectList;

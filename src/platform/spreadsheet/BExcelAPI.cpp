@@ -91,7 +91,7 @@ double PaletteIndex(double colour) {
 
 /// A value would disappear in a cell that a merge covers.
 void CheckVisible(const Sheet& sheet, int row, int column) {
-  if (sheet.Merges().empty()) return;
+  if (row > sheet.LastMergedRow()) return;
   const std::optional<std::size_t> index = sheet.FirstOverlap({row, column, row, column});
   if (!index) return;
   const CellRange& merge = sheet.Merges()[*index];
@@ -255,6 +255,11 @@ void BExcelAPI::WriteTableCell(const Handle& workbook, const std::string& sheet,
 void BExcelAPI::WriteTableCellText(const Handle& workbook, const std::string& sheet, int row, int column,
                                    const std::string& text) {
   PutText(Locate(workbook, sheet, row, column), text);
+}
+
+void BExcelAPI::WriteTableCellNumber(const Handle& workbook, const std::string& sheet, int row, int column,
+                                     double number) {
+  PutNumber(Locate(workbook, sheet, row, column), number);
 }
 
 void BExcelAPI::FormulaOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,

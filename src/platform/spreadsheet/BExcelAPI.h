@@ -69,6 +69,8 @@ class BExcelAPI {
                               const Variant& value);
   virtual void WriteTableCellText(const Handle& workbook, const std::string& sheet, int row, int column,
                                   const std::string& text);
+  virtual void WriteTableCellNumber(const Handle& workbook, const std::string& sheet, int row, int column,
+                                    double number);
   /// Puts a formula (with or without the leading "=") into every cell of the range; relative references move
   /// along as the application moves them. Throws SpreadsheetError with the position for a formula that does
   /// not parse.

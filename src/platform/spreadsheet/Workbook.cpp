@@ -77,7 +77,7 @@ void Sheet::GrowRow(std::size_t row_index, std::size_t columns) {
   std::vector<Cell>& cells = rows_[row_index];
   // A row most often ends where the row above ends: reserving that much leaves no slack.
   if (cells.capacity() == 0 && row_index > 0) cells.reserve(std::max(columns, rows_[row_index - 1].size()));
-  cells.resize(columns);
+  while (cells.size() < columns) cells.emplace_back();  // mostly one
   last_column_ = std::max(last_column_, static_cast<int>(columns));
 }
 
@@ -132,6 +132,7 @@ struct TransparentTextHash : TextHash {
 struct Workbook::Pools {
   InternPool<std::string, TextHash> texts;
   InternPool<std::string, TextHash> names;
+  std::uint32_t last_name = 0;
   std::array<Transition, Transition::kSlots> transitions;
   InternPool<CellFormat, CellFormatHash> formats;
   std::deque<std::vector<FormatChange>> changes;
@@ -146,9 +147,7 @@ Workbook::Workbook() : pools_(std::make_unique<Pools>()) {
 
 Workbook::~Workbook() = default;
 
-Sheet* Workbook::FindSheet(std::string_view name) const {
-  // Everything is printed sheet by sheet, so the sheet asked for last is most often the one asked for next.
-  if (last_found_ < sheets_.size() && sheets_[last_found_]->Name() == name) return sheets_[last_found_].get();
+Sheet* Workbook::SearchSheet(std::string_view name) const {
   for (std::size_t i = 0; i < sheets_.size(); ++i) {
     if (!SameSheetName(sheets_[i]->Name(), name)) continue;
     last_found_ = i;
@@ -188,7 +187,10 @@ FormatId Workbook::ChangedFormat(FormatId from, const FormatChange& change) {
 }
 
 std::uint32_t Workbook::InternName(std::string_view name) {
-  return pools_->names.Intern(name);
+  // Cell after cell gets the same number format.
+  if (pools_->last_name < pools_->names.Size() && pools_->names[pools_->last_name] == name)
+    return pools_->last_name;
+  return pools_->last_name = pools_->names.Intern(name);
 }
 const std::string& Workbook::Name(std::uint32_t index) const {
   return pools_->names[index];

@@ -138,6 +138,8 @@ class Sheet {
   const std::vector<Cell>& Row(int row) const { return rows_[static_cast<std::size_t>(row - 1)]; }
 
   const std::vector<CellRange>& Merges() const { return merges_; }
+  /// No merge touches a row below this one.
+  int LastMergedRow() const { return static_cast<int>(merges_by_row_.size()); }
   /// Keeps overlapping merges as well: whoever adds asks FirstOverlap before.
   void AddMerge(const CellRange& range);
   /// The first merge that shares a cell with the range, among those numbered below `before`.
@@ -202,7 +204,11 @@ class Workbook {
   std::vector<std::unique_ptr<Sheet>>& Sheets() { return sheets_; }
   const std::vector<std::unique_ptr<Sheet>>& Sheets() const { return sheets_; }
   /// nullptr when there is none; names match without regard to case.
-  Sheet* FindSheet(std::string_view name) const;
+  Sheet* FindSheet(std::string_view name) const {
+    // Everything is printed sheet by sheet, so the sheet asked for last is most often the one asked for next.
+    const bool again = last_found_ < sheets_.size() && sheets_[last_found_]->Name() == name;
+    return again ? sheets_[last_found_].get() : SearchSheet(name);
+  }
 
   std::uint32_t InternText(std::string_view text);
   const std::string& Text(std::uint32_t index) const;
@@ -233,6 +239,8 @@ class Workbook {
   std::size_t FormulaCount() const;
 
  private:
+  Sheet* SearchSheet(std::string_view name) const;
+
   struct Pools;
   std::unique_ptr<Pools> pools_;
   std::vector<std::unique_ptr<Sheet>> sheets_;
