@@ -50,15 +50,14 @@ bool BExcelExpEngCore::ExecuteCurEmpCoyBasisSQL(const std::string& sql) {
   return Run(CurEmpCoyBasisQry.get(), sql);
 }
 
-bool BExcelExpEngCore::OpenOrLog(Query& query, const std::string& sql, std::string_view where,
+bool BExcelExpEngCore::OpenOrLog(Query& query, const std::string& sql, const OperationName& where,
                                  std::string_view name, Rows rows) {
-  const std::string prefix = std::string(where) + " Error: ";
   if (!Run(&query, sql)) {
-    WriteErrorEntry(prefix + "Error in " + std::string(name) + " Query.");
+    WriteErrorEntry(where.Text() + " Error: Error in " + std::string(name) + " Query.");
     return false;
   }
   if (rows == Rows::kRequired && query.RowCount() == 0) {
-    WriteErrorEntry(prefix + "Empty " + std::string(name) + " Recordset.");
+    WriteErrorEntry(where.Text() + " Error: Empty " + std::string(name) + " Recordset.");
     return false;
   }
   return true;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/OperationName.h"
 #include "platform/database/Query.h"
 #include "platform/host/BPayEngMemo.h"
 #include "platform/host/BQueryViewTable.h"
@@ -123,7 +124,7 @@ class BExcelExpEngCore : public BPayEngMemo {
   /// Opens the query on the statement. When that fails: the error entry `where` + " Error: Error in " +
   /// `name` + " Query." and false; when rows are required and there are none, `where` + " Error: Empty " +
   /// `name` + " Recordset." and false.
-  bool OpenOrLog(Query& query, const std::string& sql, std::string_view where, std::string_view name,
+  bool OpenOrLog(Query& query, const std::string& sql, const OperationName& where, std::string_view name,
                  Rows rows);
 
   /// The lines that announce a processing stage: seven, or eight with two titles. Titles are 48 characters

@@ -257,8 +257,8 @@ bool BExcelExpEngPrintFirstFinRpt::EntitySql(std::string& sql) {
     return true;
   }
   if (level != summary_level::kBasis) {
-    sql = "SELECT *, " + core_->CalcFields->GetAllSelectList(1) +
-          " FROM Employee Join Personal WHERE EmployeeSysId = " + basis_id("Basis1Id");
+    sql = SqlOf({"SELECT *, ", core_->CalcFields->GetAllSelectList(1),
+                 " FROM Employee Join Personal WHERE EmployeeSysId = ", basis_id("Basis1Id")});
     return true;
   }
   std::string conditions;

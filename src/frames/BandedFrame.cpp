@@ -157,7 +157,7 @@ bool BandedFrame::PrintEmpCoyBasisInfo(int band_row) {
 
 bool BandedFrame::PrintMainInfoColumn(int band_row) {
   KnownColumnItem& column = (*main_columns_)[static_cast<std::size_t>(ExcelRptSummLvlItemQry.RowIndex())];
-  const std::string where = Where("PrintEmpCoyBasisInfo");
+  const OperationName where = Where("PrintEmpCoyBasisInfo");
   if (!cells_.OpenSchemes(column, where)) return false;
   if (core_->EmpCoyBasisQry->Bof() && !cells_.WriteTitle(band_row - 1, current_col_, column.title, where)) {
     return false;
@@ -198,10 +198,10 @@ bool BandedFrame::PrintItem(WkSheetItem& item) {
 bool BandedFrame::PrintFinancialRpt(const std::string& report_id) {
   core_->WriteBanner(Memo::kInternal, {"     FINANCIAL REPORT PRINTING PROCESSING       "});
   static const std::string gap(10, ' ');
-  if (!core_->ExecuteSQL("SELECT LayoutSchemeId, CycleMethod  FROM" + gap +
-                         "FinancialRpt JOIN AnlysProject ON" + gap +
-                         "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId" + gap +
-                         "WHERE FinancialRptId = " + SqlText(report_id))) {
+  if (!core_->ExecuteSQL(
+          SqlOf({"SELECT LayoutSchemeId, CycleMethod  FROM", gap, "FinancialRpt JOIN AnlysProject ON", gap,
+                 "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId", gap,
+                 "WHERE FinancialRptId = ", SqlText(report_id)}))) {
     return Fail("PrintFinancialRpt", "Error in getting the financial report layout scheme.");
   }
   if (core_->SQLQry->RowCount() == 0) {
@@ -218,19 +218,19 @@ bool BandedFrame::PrintFinancialRpt(const std::string& report_id) {
 bool BandedFrame::PrintByLayout(const LayoutRow& layout) {
   core_->WriteBanner(Memo::kInternal, {layout.banner});
   if (layout.make(core_)->ExecuteOperation()) return true;
-  core_->WriteInternalMemo(Where(layout.operation) + " Error: Error in printing " +
+  core_->WriteInternalMemo(Where(layout.operation).Text() + " Error: Error in printing " +
                            std::string(layout.report));
   core_->WriteInternalMemo("");
   return false;
 }
 
 bool BandedFrame::Fail(std::string_view operation, std::string_view text) {
-  core_->WriteErrorEntry(Where(operation) + " Error: " + std::string(text));
+  core_->WriteErrorEntry(Where(operation).Text() + " Error: " + std::string(text));
   return false;
 }
 
-std::string BandedFrame::Where(std::string_view operation) const {
-  return std::string(traits_.class_name) + "::" + std::string(operation);
+OperationName BandedFrame::Where(std::string_view operation) const {
+  return {traits_.class_name, operation};
 }
 
 void BandedFrame::WriteBanner(const std::string_view (&titles)[2]) {

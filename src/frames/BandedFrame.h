@@ -37,7 +37,7 @@ class BandedFrame : public ReportFrame {
 
   /// Writes `operation`'s error entry and returns false.
   bool Fail(std::string_view operation, std::string_view text);
-  std::string Where(std::string_view operation) const;
+  OperationName Where(std::string_view operation) const;
   const std::string& FirstReportId() const { return items_.front().WkSheetItemRptId; }
   bool Grouped() const { return grouped_; }
 

@@ -33,7 +33,7 @@ bool SameValue(const std::string& type, const Field& previous, const Field& next
 bool BandedFrame::GetGroups() {
   WriteBanner(traits_.groups_banner);
   const DefinitionNames& names = traits_.names;
-  const std::string where = Where(traits_.groups_operation);
+  const OperationName where = Where(traits_.groups_operation);
   if (!core_->OpenOrLog(ExcelRptGroupingQry,
                         "SELECT * FROM " + std::string(names.group_table) + " WHERE " +
                             std::string(names.report_key) + " = " + SqlText(FirstReportId()) +
@@ -108,7 +108,7 @@ bool BandedFrame::PrintGroupLevel(int row) {
   const auto text = [this](std::string_view name) {
     return ExcelRptGroupingQry.FieldByName(name).AsString();
   };
-  const std::string where = Where("PrintRptGroupingInfo");
+  const OperationName where = Where("PrintRptGroupingInfo");
   const std::string scheme = text("ColourSchemeId");
   if (!cells_.OpenSchemes(scheme, where)) return false;
   if (!cells_.WriteTitle(row, current_col_, text(names.group_title), where)) return false;
@@ -141,7 +141,7 @@ bool BandedFrame::CloseGroup() {
 /// changes and, because their groups lie inside, all levels within the outermost of these.
 bool BandedFrame::FindChangedLevels(std::vector<bool>& changed) {
   Query PrevGrpInfoQry(ExcelRptGrpInfoQry.DatabaseName());
-  const std::string prefix = Where("PrintGroupingRpt") + " Error: ";
+  const std::string prefix = Where("PrintGroupingRpt").Text() + " Error: ";
   try {
     PrevGrpInfoQry.SetSql("SELECT " + previous_group_values_ + " FROM DUMMY");
     PrevGrpInfoQry.Open();

@@ -55,8 +55,8 @@ FrameTotals::FrameTotals(BExcelExpEngCore* core, const FrameTraits& traits, std:
       cells_(core, &ColourSchemeQry),
       formulas_(core) {}
 
-std::string FrameTotals::Where(std::string_view operation) const {
-  return std::string(traits_.class_name) + "::" + std::string(operation);
+OperationName FrameTotals::Where(std::string_view operation) const {
+  return {traits_.class_name, operation};
 }
 
 bool FrameTotals::PrintGrpSubTotalEmpCt(int level_order, std::vector<GrpItem>& groups, int first_data_row) {
@@ -146,11 +146,13 @@ bool FrameTotals::ReadFirstSummingColumn(const WkSheetItem& item, std::string_vi
     layout.SetSql(LayoutSchemeSql(traits_, item.WkSheetItemRptId, gap));
     layout.Open();
   } catch (...) {
-    core_->WriteErrorEntry(Where(operation) + " Error: Error in getting the financial report layout scheme.");
+    core_->WriteErrorEntry(Where(operation).Text() +
+                           " Error: Error in getting the financial report layout scheme.");
     return false;
   }
   if (layout.RowCount() == 0) {
-    core_->WriteErrorEntry(Where(operation) + " Error: Empty financial report layout scheme information.");
+    core_->WriteErrorEntry(Where(operation).Text() +
+                           " Error: Empty financial report layout scheme information.");
     return false;
   }
   const std::string scheme = layout.FieldByName("LayoutSchemeId").AsString();

@@ -33,7 +33,7 @@ class FrameTotals {
   bool PrintSums(int row, int first_data_row, std::string_view operation, int gap, const RangesOf& ranges_of);
   bool ReadFirstSummingColumn(const WkSheetItem& item, std::string_view operation, int gap, int& column);
   bool PrintLabel(int row, const std::string& text, std::string_view operation);
-  std::string Where(std::string_view operation) const;
+  OperationName Where(std::string_view operation) const;
 
   BExcelExpEngCore* core_;
   const FrameTraits& traits_;

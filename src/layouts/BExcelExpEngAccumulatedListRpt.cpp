@@ -76,7 +76,7 @@ bool BExcelExpEngAccumulatedListRpt::PrintFinancialData() {
 }
 
 bool BExcelExpEngAccumulatedListRpt::OpenRanges() {
-  const std::string where = WalkWhere(kWalk);
+  const OperationName where = WalkWhere(kWalk);
   const std::string chosen = "SELECT * FROM FinColAccumulated WHERE FinColItemSysId = " +
                              std::to_string(FinanceColItemQry.FieldByName("FinColItemSysId").AsInteger());
   if (!core_->OpenOrLog(FinColAccuRangeQry, chosen, where, "FinColAccuRangeQry", Rows::kOptional))

@@ -137,7 +137,7 @@ bool BExcelExpEngBreakdownListRpt::CountColumns(int& width) {
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
-  const std::string where = Where("PrintPayPeriodInfo");
+  const OperationName where = Where("PrintPayPeriodInfo");
   int width = 0;
   if (!CountColumns(width)) return false;
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
@@ -195,7 +195,7 @@ bool BExcelExpEngBreakdownListRpt::PrintTimesheetData() {
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintTimesheetKey(const std::string& title, const std::string& value) {
-  const std::string where = Where("PrintTimesheetData");
+  const OperationName where = Where("PrintTimesheetData");
   const bool first_row = AtFirstEntity() && current_row_ == core_->StartPrintedRow;
   if (first_row && !cells_.WriteTitle(current_row_ - 1, current_col_, title, where)) return false;
   cells_.WriteText(current_row_, current_col_, value);

@@ -29,7 +29,7 @@ bool BExcelExpEngLeaveListDateRpt::PrintBlockHeading() {
 }
 
 bool BExcelExpEngLeaveListDateRpt::PrintAsOfDateInfo() {
-  const std::string where = LeaveWhere("PrintPayPeriodInfo");
+  const OperationName where = LeaveWhere("PrintPayPeriodInfo");
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
   if (!cells_.OpenTitleScheme(where)) return false;
   const PeriodKey day = PeriodOf(ExcelRptLayoutQry);

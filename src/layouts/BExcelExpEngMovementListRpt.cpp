@@ -59,7 +59,7 @@ bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
 }
 
 bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
-  const std::string where = Where("PrintPayPeriodInfo");
+  const OperationName where = Where("PrintPayPeriodInfo");
   core_->WriteBanner(Memo::kInternal, {"    PRINT PAY PERIOD INFORMATION PROCESSING     "});
   if (!cells_.OpenTitleScheme(where) || !ReadCycle(where)) return false;
 

@@ -51,7 +51,7 @@ BExcelExpEngPayReconRpt::BExcelExpEngPayReconRpt(BExcelExpEngCore* core)
     : MatrixLayout(core, kTraits), FinanceColItemStatusQry(core->DatabaseName) {}
 
 bool BExcelExpEngPayReconRpt::OpenColumnItems() {
-  const std::string where = Where("ExecuteOperation");
+  const OperationName where = Where("ExecuteOperation");
   if (!core_->OpenOrLog(FinanceColItemQry, ColumnItemsSql(kOrdinaryItems), where, "FinanceColItemQry",
                         Rows::kOptional) ||
       !core_->OpenOrLog(FinanceColItemStatusQry, ColumnItemsSql(kStatusItems), where,
@@ -126,7 +126,7 @@ bool BExcelExpEngPayReconRpt::PrintColStatusFinancialData() {
 }
 
 bool BExcelExpEngPayReconRpt::PrintStatusTitle() {
-  const std::string where = Where("PrintColStatusFinancialData");
+  const OperationName where = Where("PrintColStatusFinancialData");
   if (!cells_.OpenSchemes(Text(FinanceColItemStatusQry, "ColourSchemeId"), where)) return false;
   const std::string status = Text(FinanceColItemStatusQry, "FinColItem");
   const std::string label = status == kCurrent ? current_label_ : status == kPrevious ? previous_label_ : "";

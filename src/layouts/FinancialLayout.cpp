@@ -33,15 +33,15 @@ FinancialLayout::FinancialLayout(BExcelExpEngCore* core, const FinancialTraits& 
       formulas_(core),
       lookup_(core, &AnlysItemRecQry, traits.lookup) {}
 
-bool FinancialLayout::Fail(std::string_view where, std::string_view text) {
-  core_->WriteErrorEntry(std::string(where) + " Error: " + std::string(text));
+bool FinancialLayout::Fail(const OperationName& where, std::string_view text) {
+  core_->WriteErrorEntry(where.Text() + " Error: " + std::string(text));
   return false;
 }
 
 bool FinancialLayout::ReadReport() {
-  const std::string where = Where("ExecuteOperation");
-  if (!core_->ExecuteSQL("SELECT * FROM FinancialRpt WHERE FinancialRptId = " +
-                         SqlText(core_->ExcelWSItemRptId))) {
+  const OperationName where = Where("ExecuteOperation");
+  if (!core_->ExecuteSQL(
+          SqlOf({"SELECT * FROM FinancialRpt WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId)}))) {
     return Fail(where, "Error in getting Financial Report Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Financial Report Information.");
@@ -50,8 +50,9 @@ bool FinancialLayout::ReadReport() {
 }
 
 bool FinancialLayout::ReadProject() {
-  const std::string where = Where("ExecuteOperation");
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+  const OperationName where = Where("ExecuteOperation");
+  if (!core_->ExecuteSQL(
+          SqlOf({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
     return Fail(where, "Error in getting Analysis Project Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Information.");
@@ -61,8 +62,9 @@ bool FinancialLayout::ReadProject() {
   return true;
 }
 
-bool FinancialLayout::ReadCycle(std::string_view where) {
-  if (!core_->ExecuteSQL("SELECT * FROM AnlysProject WHERE AnlysProjectId = " + SqlText(project_id_))) {
+bool FinancialLayout::ReadCycle(const OperationName& where) {
+  if (!core_->ExecuteSQL(
+          SqlOf({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
     return Fail(where, "Unable to get Analysis Project Details.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
@@ -72,15 +74,15 @@ bool FinancialLayout::ReadCycle(std::string_view where) {
 }
 
 std::string FinancialLayout::DataCondition() const {
-  return "WHERE AnlysProjectId = " + SqlText(project_id_) + kGap +
-         "AND AnlysIPAddress = " + SqlText(core_->DataKey(core_->ExcelWSItemOrdering));
+  return SqlOf({"WHERE AnlysProjectId = ", SqlText(project_id_), kGap,
+                "AND AnlysIPAddress = ", SqlText(core_->DataKey(core_->ExcelWSItemOrdering))});
 }
 
 std::string FinancialLayout::EntityCondition() const {
   const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
   if (company && traits_.records != EntityRecords::kAlwaysAll) return "";
   const auto condition = [this](std::string_view basis) {
-    return kGap + "AND " + std::string(basis) + " = " + SqlText(Text(*core_->EmpCoyBasisQry, basis));
+    return SqlOf({kGap, "AND ", basis, " = ", SqlText(Text(*core_->EmpCoyBasisQry, basis))});
   };
   const bool first_only =
       traits_.records == EntityRecords::kByLevel && core_->ExcelWkSheetRptSumLvl == summary_level::kEmployee;
@@ -90,30 +92,29 @@ std::string FinancialLayout::EntityCondition() const {
 
 bool FinancialLayout::OpenRecords() {
   return core_->OpenOrLog(AnlysItemRecQry,
-                          "SELECT * FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup" + kGap +
-                              DataCondition() + EntityCondition(),
+                          SqlOf({"SELECT * FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup",
+                                 kGap, DataCondition(), EntityCondition()}),
                           Where(traits_.records_operation), "AnlysItemRecQry", Rows::kOptional);
 }
 
 std::string FinancialLayout::ChosenPeriodsSql() const {
   static const std::string gap(36, ' ');
-  return "SELECT * FROM ExcelWSItemRptLayout" + gap +
-         "WHERE WkSheetItemSysId = " + std::to_string(core_->ExcelWSItemSysId) + gap +
-         "ORDER BY WSRptLayoutOrder";
+  return SqlOf({"SELECT * FROM ExcelWSItemRptLayout", gap, "WHERE WkSheetItemSysId = ",
+                std::to_string(core_->ExcelWSItemSysId), gap, "ORDER BY WSRptLayoutOrder"});
 }
 
 std::string FinancialLayout::DataPeriodsSql() const {
   static const std::string gap(42, ' ');
-  return "SELECT DISTINCT AnlysItemRecYear AS WSRptLayoutYear," + gap +
-         "AnlysItemRecPeriodMonth AS WSRptLayoutMthPeriod," + gap +
-         "AnlysItemRecSubPeriod AS WSRptLayoutSubPeriod," + gap +
-         "AnlysPayRecBasis AS WSRptLayoutPayRecIdType" + gap + "FROM AnlysItemRecord" + gap +
-         DataCondition() + gap +
-         "ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis";
+  return SqlOf(
+      {"SELECT DISTINCT AnlysItemRecYear AS WSRptLayoutYear,", gap,
+       "AnlysItemRecPeriodMonth AS WSRptLayoutMthPeriod,", gap,
+       "AnlysItemRecSubPeriod AS WSRptLayoutSubPeriod,", gap, "AnlysPayRecBasis AS WSRptLayoutPayRecIdType",
+       gap, "FROM AnlysItemRecord", gap, DataCondition(), gap,
+       "ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis"});
 }
 
 bool FinancialLayout::OpenPeriods(const std::string& select, const std::string& data_select) {
-  const std::string where = Where("ExecuteOperation");
+  const OperationName where = Where("ExecuteOperation");
   if (!core_->OpenOrLog(ExcelRptLayoutQry, select, where, "ExcelRptLayoutQry", Rows::kOptional)) return false;
   if (ExcelRptLayoutQry.RowCount() == 0 && !data_select.empty() &&
       !core_->OpenOrLog(ExcelRptLayoutQry, data_select, where, "ExcelRptLayoutQry", Rows::kOptional)) {
@@ -128,8 +129,9 @@ bool FinancialLayout::FailNoPeriods() {
 
 std::string FinancialLayout::ColumnItemsSql(std::string_view condition) const {
   static const std::string gap(36, ' ');
-  return "SELECT * FROM FinanceColItem" + gap + "WHERE FinancialRptId = " + SqlText(core_->ExcelWSItemRptId) +
-         gap + "AND FinColIsRptMainInfo = 0" + std::string(condition) + " ORDER BY FinColItemOrder";
+  return SqlOf({"SELECT * FROM FinanceColItem", gap,
+                "WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId), gap,
+                "AND FinColIsRptMainInfo = 0", condition, " ORDER BY FinColItemOrder"});
 }
 
 bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {
@@ -139,7 +141,7 @@ bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {
 }
 
 bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::string& component,
-                                      std::string_view where, ValueColumn& value,
+                                      const OperationName& where, ValueColumn& value,
                                       std::string_view map_column) {
   const std::string question = grouping + '\n' + component + '\n' + std::string(map_column);
   if (const ValueColumn* known = core_->Memory->value_columns.Find(question)) {
@@ -157,7 +159,7 @@ bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::st
   return true;
 }
 
-bool FinancialLayout::OpenAllItems(const std::string& grouping, std::string_view where) {
+bool FinancialLayout::OpenAllItems(const std::string& grouping, const OperationName& where) {
   try {
     AllFormulaQry.SetSql(AllItemsSql(grouping));
     AllFormulaQry.Open();

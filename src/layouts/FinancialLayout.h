@@ -42,16 +42,14 @@ class FinancialLayout : public ReportLayout {
 
  protected:
   /// "Class::Operation".
-  std::string Where(std::string_view operation) const {
-    return std::string(traits_.class_name) + "::" + std::string(operation);
-  }
+  OperationName Where(std::string_view operation) const { return {traits_.class_name, operation}; }
   /// Writes `where` + " Error: " + `text` between empty lines and returns false.
-  bool Fail(std::string_view where, std::string_view text);
+  bool Fail(const OperationName& where, std::string_view text);
 
   bool ReadReport();   ///< fills project_id_
   bool ReadProject();  ///< fills the project's facts
   /// Reads how the project's periods are called, for headings: cycle_group_by_ and cycle_sub_group_by_.
-  bool ReadCycle(std::string_view where);
+  bool ReadCycle(const OperationName& where);
   bool OpenRecords();
   /// The conditions on the entity's basis ids, with leading blanks.
   std::string EntityCondition() const;
@@ -74,10 +72,10 @@ class FinancialLayout : public ReportLayout {
 
   /// Reads where the values of a (grouping, component) stand; `map_column` of AnItemLookup names the record's
   /// column.
-  bool ReadValueColumn(const std::string& grouping, const std::string& component, std::string_view where,
+  bool ReadValueColumn(const std::string& grouping, const std::string& component, const OperationName& where,
                        ValueColumn& value, std::string_view map_column = "AnlysMapField");
   /// Lists the items of an "<ALL>" item in AllFormulaQry.
-  bool OpenAllItems(const std::string& grouping, std::string_view where);
+  bool OpenAllItems(const std::string& grouping, const OperationName& where);
   /// The warning for an "<ALL>" item without items; `prefix` is "Warning " or "Warning Acc".
   void WarnNoItems(const std::string& grouping, std::string_view prefix = "Warning ");
 

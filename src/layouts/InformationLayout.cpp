@@ -35,8 +35,8 @@ InformationLayout::InformationLayout(BExcelExpEngCore* core, const InformationTr
       ColourSchemeQry(DatabaseOf(core, traits)),
       cells_(core, &ColourSchemeQry) {}
 
-std::string InformationLayout::Where(std::string_view operation) const {
-  return std::string(traits_.class_name) + "::" + std::string(operation);
+OperationName InformationLayout::Where(std::string_view operation) const {
+  return {traits_.class_name, operation};
 }
 
 bool InformationLayout::ExecuteOperation() {
@@ -60,7 +60,7 @@ bool InformationLayout::ExecuteOperation() {
 }
 
 bool InformationLayout::OpenReport() {
-  const std::string where = Where("ExecuteOperation");
+  const OperationName where = Where("ExecuteOperation");
   const std::string report = SqlText(core_->ExcelWSItemRptId);
   return core_->OpenOrLog(EmployeeRptQry, "SELECT * FROM EmployeeRpt WHERE EmpInfoRptId = " + report, where,
                           "EmployeeRptQry", Rows::kRequired) &&
@@ -118,7 +118,7 @@ bool InformationLayout::PrintEmployeeInfo() {
 }
 
 bool InformationLayout::PrintColumn(bool with_title) {
-  const std::string where = Where("PrintEmployeeInfo");
+  const OperationName where = Where("PrintEmployeeInfo");
   const auto text = [this](std::string_view name) { return EmployeeColItemQry.FieldByName(name).AsString(); };
   const std::string scheme = text("ColourSchemeId");
   if (!cells_.OpenSchemes(scheme, where)) return false;

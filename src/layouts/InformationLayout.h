@@ -33,7 +33,7 @@ class InformationLayout : public ReportLayout {
   void SetLastPrintedRow(int row) { core_->SetLastPrintedRow(row); }
 
  private:
-  std::string Where(std::string_view operation) const;
+  OperationName Where(std::string_view operation) const;
   bool OpenReport();
   bool OpenData();
   std::string SelectList();

@@ -17,8 +17,8 @@ LeaveLayout::LeaveLayout(BExcelExpEngCore* core, const LeaveTraits& traits)
   value_style_.short_midnight = true;
 }
 
-std::string LeaveLayout::LeaveWhere(std::string_view operation) const {
-  return std::string(leave_traits_.message_class) + "::" + std::string(operation);
+OperationName LeaveLayout::LeaveWhere(std::string_view operation) const {
+  return {leave_traits_.message_class, operation};
 }
 
 bool LeaveLayout::ExecuteOperation() {
@@ -91,7 +91,7 @@ bool LeaveLayout::ReadRowDataExist(bool& exists) {
 }
 
 bool LeaveLayout::ReadGroupTexts() {
-  const std::string where = LeaveWhere("PrintPayPeriodInfo");
+  const OperationName where = LeaveWhere("PrintPayPeriodInfo");
   return cells_.OpenTitleScheme(where) && ReadCycle(where);
 }
 

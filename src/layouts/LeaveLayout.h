@@ -38,7 +38,7 @@ class LeaveLayout : public ListingLayout {
   /// Before a group with records is printed.
   virtual void TakeGroup() {}
 
-  std::string LeaveWhere(std::string_view operation) const;
+  OperationName LeaveWhere(std::string_view operation) const;
   /// Opens the title scheme and reads the project's cycle grouping.
   bool ReadGroupTexts();
 

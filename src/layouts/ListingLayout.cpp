@@ -7,9 +7,8 @@
 
 namespace excelexp {
 
-std::string ListingLayout::WalkWhere(const ColumnWalk& walk) const {
-  return std::string(walk.message_class.empty() ? traits_.class_name : walk.message_class) +
-         "::" + std::string(walk.operation);
+OperationName ListingLayout::WalkWhere(const ColumnWalk& walk) const {
+  return {walk.message_class.empty() ? traits_.class_name : walk.message_class, walk.operation};
 }
 
 bool ListingLayout::PrintColumnItems() {
@@ -41,7 +40,7 @@ void ListingLayout::ReadColumnItems() {
 
 bool ListingLayout::WalkColumns(const ColumnWalk& walk) {
   core_->WriteBanner(Memo::kInternal, {walk.banner});
-  const std::string where = WalkWhere(walk);
+  const OperationName where = WalkWhere(walk);
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
     if (!PrintColumn(walk, CurrentItem(), where)) return false;
   }
@@ -52,7 +51,7 @@ bool ListingLayout::WalkColumn(const ColumnWalk& walk) {
   return PrintColumn(walk, CurrentItem(), WalkWhere(walk));
 }
 
-bool ListingLayout::PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where) {
+bool ListingLayout::PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where) {
   if (!cells_.OpenSchemes(item, where)) return false;
   if (item.type == item_type::kAnalysis) {
     if (!PrintAnalysisItem(walk, item, where)) return false;
@@ -77,7 +76,7 @@ bool ListingLayout::PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, c
 }
 
 bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item,
-                                      const std::string& where) {
+                                      const OperationName& where) {
   if (walk.bank == BankRule::kCategory && item.grouping == kBankRecordGrouping) {
     ValueColumn value;
     if (const BankColumn* column = FindBankColumn(item.component))
@@ -97,7 +96,7 @@ bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& i
 }
 
 bool ListingLayout::PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item,
-                                  const std::string& where) {
+                                  const OperationName& where) {
   if (!OpenAllItems(item.grouping, where)) return false;
   if (AllFormulaQry.RowCount() == 0) WarnNoItems(item.grouping, NoItemsPrefix());
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {

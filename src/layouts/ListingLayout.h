@@ -73,7 +73,7 @@ class ListingLayout : public FinancialLayout {
   PeriodKey period_;  ///< the column group being printed
 
   bool PrintTitle(const ColumnWalk& walk, const std::string& title);
-  std::string WalkWhere(const ColumnWalk& walk) const;
+  OperationName WalkWhere(const ColumnWalk& walk) const;
   /// The column that the walk prints to next.
   int WalkCol(const ColumnWalk& walk) const { return current_col_ + walk.shift; }
 
@@ -82,9 +82,9 @@ class ListingLayout : public FinancialLayout {
   KnownColumnItem& CurrentItem() const {
     return (*items_)[static_cast<std::size_t>(FinanceColItemQry.RowIndex())];
   }
-  bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where);
-  bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const std::string& where);
-  bool PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item, const std::string& where);
+  bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
+  bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
+  bool PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item, const OperationName& where);
   bool IsTitled(const ColumnWalk& walk) const;
 
   std::shared_ptr<std::vector<KnownColumnItem>> items_;  // of the rows of FinanceColItemQry

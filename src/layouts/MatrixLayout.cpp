@@ -70,7 +70,7 @@ bool MatrixLayout::PrintColFinancialData() {
 }
 
 bool MatrixLayout::PrintColumnItem() {
-  const std::string where = Where("PrintColFinancialData");
+  const OperationName where = Where("PrintColFinancialData");
   const std::string type = Text(FinanceColItemQry, "FinColItemType");
   const std::string scheme = Text(FinanceColItemQry, "ColourSchemeId");
   if (!cells_.OpenSchemes(scheme, where)) return false;
@@ -112,7 +112,7 @@ bool MatrixLayout::PrintRow() {
 }
 
 bool MatrixLayout::PrintRowFinancialData() {
-  const std::string where = Where("PrintRowFinancialData");
+  const OperationName where = Where("PrintRowFinancialData");
   core_->WriteBanner(Memo::kInternal, {matrix_.row_banner});
   if (!cells_.OpenSchemes(RowText("ColourSchemeId"), where)) return false;
   const std::string title = IsAllItems() ? Text(AllFormulaQry, "AnlysItemDesc") : RowText("FinRowItemTitle");

@@ -14,7 +14,7 @@ CellPrinter::CellPrinter(BExcelExpEngCore* core, Query* colour_scheme_query)
       colour_scheme_(core, colour_scheme_query),
       field_type_(core) {}
 
-bool CellPrinter::OpenSchemes(std::span<const std::string> ids, std::string_view where) {
+bool CellPrinter::OpenSchemes(std::span<const std::string> ids, const OperationName& where) {
   static const std::string gap(37, ' ');
   std::string question = colour_scheme_query_->DatabaseName();
   for (const std::string& id : ids) question.append(1, '\n').append(id);
@@ -27,12 +27,12 @@ bool CellPrinter::OpenSchemes(std::span<const std::string> ids, std::string_view
       where);
 }
 
-bool CellPrinter::OpenSchemes(const std::string& item_scheme, std::string_view where) {
+bool CellPrinter::OpenSchemes(const std::string& item_scheme, const OperationName& where) {
   const std::array<std::string, 2> ids = {item_scheme, core_->ExcelWkSheetTitleColourSchemeId};
   return OpenSchemes(ids, where);
 }
 
-bool CellPrinter::OpenSchemes(KnownColumnItem& item, std::string_view where) {
+bool CellPrinter::OpenSchemes(KnownColumnItem& item, const OperationName& where) {
   if (item.schemes == nullptr) {
     if (!OpenSchemes(item.scheme, where)) return false;
     item.schemes = chosen_;
@@ -41,7 +41,7 @@ bool CellPrinter::OpenSchemes(KnownColumnItem& item, std::string_view where) {
   return true;
 }
 
-bool CellPrinter::OpenTitleScheme(std::string_view where) {
+bool CellPrinter::OpenTitleScheme(const OperationName& where) {
   const std::string& title = core_->ExcelWkSheetTitleColourSchemeId;
   const std::string question = colour_scheme_query_->DatabaseName() + "\ttitle\n" + title;
   if (Recall(question)) return true;
@@ -57,28 +57,28 @@ bool CellPrinter::Recall(const std::string& question) {
   return known != nullptr;
 }
 
-bool CellPrinter::Choose(const std::string& question, std::string sql, std::string_view where) {
+bool CellPrinter::Choose(const std::string& question, std::string sql, const OperationName& where) {
   if (!core_->OpenOrLog(*colour_scheme_query_, sql, where, "ColourSchemeQry", Rows::kRequired)) return false;
   chosen_ =
       core_->Memory->scheme_sets.Keep(question, std::make_shared<SchemeSet>(SchemeSet{std::move(sql), {}}));
   return true;
 }
 
-bool CellPrinter::Format(const std::string& scheme_id, int row, int column, std::string_view where) {
+bool CellPrinter::Format(const std::string& scheme_id, int row, int column, const OperationName& where) {
   if (ApplyKnown(scheme_id, row, column)) return true;
   if (!OpenChosen(where)) return false;
   if (colour_scheme_.ColourSchRecLocate(scheme_id)) return FormatByRow(scheme_id, row, column);
-  if (!where.empty()) {
-    core_->WriteErrorEntry(std::string(where) + " Error: Unable to locate Colour Scheme Record.");
+  if (!where.IsEmpty()) {
+    core_->WriteErrorEntry(where.Text() + " Error: Unable to locate Colour Scheme Record.");
   }
   return false;
 }
 
-bool CellPrinter::FormatAsTitle(int row, int column, std::string_view where) {
+bool CellPrinter::FormatAsTitle(int row, int column, const OperationName& where) {
   return Format(core_->ExcelWkSheetTitleColourSchemeId, row, column, where);
 }
 
-bool CellPrinter::FormatAsFirst(int row, int column, std::string_view where) {
+bool CellPrinter::FormatAsFirst(int row, int column, const OperationName& where) {
   static const std::string first = "\n";  // no scheme has that id
   if (ApplyKnown(first, row, column)) return true;
   if (!OpenChosen(where)) return false;
@@ -94,7 +94,7 @@ bool CellPrinter::ApplyKnown(const std::string& scheme_id, int row, int column) 
 }
 
 /// The rows of the chosen schemes, which a printer of an earlier entity may have read.
-bool CellPrinter::OpenChosen(std::string_view where) {
+bool CellPrinter::OpenChosen(const OperationName& where) {
   if (colour_scheme_query_->IsOpen() && colour_scheme_query_->Sql() == chosen_->sql) return true;
   return core_->OpenOrLog(*colour_scheme_query_, chosen_->sql, where, "ColourSchemeQry", Rows::kRequired);
 }
@@ -120,9 +120,9 @@ void CellPrinter::WriteText(int row, int column, const std::string& text) {
   core_->ExcelAPI->WriteTableCellText(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, text);
 }
 
-void CellPrinter::WriteNumber(int row, int column, const Variant& number) {
+void CellPrinter::WriteNumber(int row, int column, double number) {
   RequireColumn(column);
-  core_->ExcelAPI->WriteTableCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
+  core_->ExcelAPI->WriteTableCellNumber(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
 }
 
 void CellPrinter::WriteAmountFormat(int row, int column) {
@@ -145,7 +145,7 @@ void CellPrinter::WriteFormula(int row, int column, const std::string& formula) 
                                   formula);
 }
 
-bool CellPrinter::WriteTitle(int row, int column, const std::string& text, std::string_view where) {
+bool CellPrinter::WriteTitle(int row, int column, const std::string& text, const OperationName& where) {
   WriteText(row, column, text);
   return FormatAsTitle(row, column, where);
 }

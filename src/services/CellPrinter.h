@@ -26,31 +26,31 @@ class CellPrinter {
   CellPrinter(BExcelExpEngCore* core, Query* colour_scheme_query);
 
   /// Chooses these schemes; false, logged, when they cannot be read or there are none.
-  bool OpenSchemes(std::span<const std::string> ids, std::string_view where);
+  bool OpenSchemes(std::span<const std::string> ids, const OperationName& where);
   /// The scheme of an item and the worksheet's title scheme.
-  bool OpenSchemes(const std::string& item_scheme, std::string_view where);
+  bool OpenSchemes(const std::string& item_scheme, const OperationName& where);
   /// Those of an item again; the item keeps what the first time found.
-  bool OpenSchemes(KnownColumnItem& item, std::string_view where);
+  bool OpenSchemes(KnownColumnItem& item, const OperationName& where);
   /// The worksheet's title scheme alone.
-  bool OpenTitleScheme(std::string_view where);
+  bool OpenTitleScheme(const OperationName& where);
 
   /// Formats the cell by one of the chosen schemes; false when the scheme is not there (logged as
   /// "Unable to locate Colour Scheme Record." unless `where` is empty) or the formatting fails.
-  bool Format(const std::string& scheme_id, int row, int column, std::string_view where);
-  bool FormatAsTitle(int row, int column, std::string_view where);
+  bool Format(const std::string& scheme_id, int row, int column, const OperationName& where);
+  bool FormatAsTitle(int row, int column, const OperationName& where);
   /// Formats by the first of the chosen schemes.
-  bool FormatAsFirst(int row, int column, std::string_view where);
+  bool FormatAsFirst(int row, int column, const OperationName& where);
 
   /// Writing beyond column 256 throws SpreadsheetError: there is no cell name to format by.
   void WriteText(int row, int column, const std::string& text);
-  void WriteNumber(int row, int column, const Variant& number);
+  void WriteNumber(int row, int column, double number);
   void WriteAmountFormat(int row, int column);
   /// Where the style has a format for whole numbers.
   void WriteIntegerFormat(int row, int column, const ValueStyle& style);
   /// An empty formula (its decoding failed and said so) leaves an empty text.
   void WriteFormula(int row, int column, const std::string& formula);
   /// A text in the title scheme.
-  bool WriteTitle(int row, int column, const std::string& text, std::string_view where);
+  bool WriteTitle(int row, int column, const std::string& text, const OperationName& where);
   /// Merges columns of one row, or a block of rows.
   void Merge(int first_row, int first_column, int last_row, int last_column);
 
@@ -68,8 +68,8 @@ class CellPrinter {
  private:
   void RequireColumn(int column) const;
   bool Recall(const std::string& question);
-  bool Choose(const std::string& question, std::string sql, std::string_view where);
-  bool OpenChosen(std::string_view where);
+  bool Choose(const std::string& question, std::string sql, const OperationName& where);
+  bool OpenChosen(const OperationName& where);
   bool ApplyKnown(const std::string& scheme_id, int row, int column);
   bool FormatByRow(const std::string& scheme_id, int row, int column);
 

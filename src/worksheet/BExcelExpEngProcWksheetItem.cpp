@@ -22,7 +22,8 @@ int BExcelExpEngProcWksheetItem::ExecuteOperation() {
   if (!core_->OpenOrLog(ExcelWorksheetItemQry,
                         "SELECT * FROM ExcelWkSheetItem" + std::string(40, ' ') + "WHERE WkSheetSysId = " +
                             std::to_string(core_->ExcelWorksheetSysId) + " ORDER BY WkSheetItemOrdering",
-                        kMessageClass + "ExecuteOperation", "ExcelWorksheetItemQry", Rows::kRequired)) {
+                        "BExcelExpEngWksheetItem::ExecuteOperation", "ExcelWorksheetItemQry",
+                        Rows::kRequired)) {
     return 0;
   }
   if (ProcessWksheetItems() == 0) return 0;

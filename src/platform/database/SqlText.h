@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -7,13 +8,25 @@ namespace excelexp {
 
 /// A text as an SQL literal: between single quotes, a quote inside it doubled.
 inline std::string SqlText(std::string_view text) {
-  std::string literal = "'";
-  for (const char c : text) {
-    literal += c;
-    if (c == '\'') literal += c;
-  }
+  std::string literal;
+  literal.reserve(text.size() + 2);
   literal += '\'';
+  for (std::size_t quote = 0; (quote = text.find('\'')) != std::string_view::npos;) {
+    literal.append(text.substr(0, quote + 1)).push_back('\'');
+    text.remove_prefix(quote + 1);
+  }
+  literal.append(text).push_back('\'');
   return literal;
+}
+
+/// A statement of its pieces. The long ones are put together for every entity: one text, no copies between.
+inline std::string SqlOf(std::initializer_list<std::string_view> pieces) {
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  std::string sql;
+  sql.reserve(size);
+  for (const std::string_view piece : pieces) sql += piece;
+  return sql;
 }
 
 }  // namespace excelexp
