@@ -34,11 +34,19 @@ std::uint64_t LoadWord(const char* bytes) {
   return word;
 }
 
-// Fewer than eight bytes.
+// Up to seven bytes; some may count twice.
 std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
-  std::uint64_t word = 0;
-  for (std::size_t i = 0; i < count; ++i) word = word << 8 | static_cast<unsigned char>(bytes[i]);
-  return word;
+  if (count == 0) return 0;
+  if (count < 4) {
+    const auto byte = [bytes](std::size_t at) {
+      return std::uint64_t{static_cast<unsigned char>(bytes[at])};
+    };
+    return byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16;
+  }
+  std::uint32_t halves[2];
+  std::memcpy(&halves[0], bytes, 4);
+  std::memcpy(&halves[1], bytes + count - 4, 4);
+  return halves[0] | std::uint64_t{halves[1]} << 32;
 }
 
 // The number that is written like this in decimal, no sign and no zero too many.
@@ -291,16 +299,18 @@ bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> key
   TextBuffer buffer;
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const Value value = row[index.places[i]];
-    const auto* text = std::get_if<std::string_view>(&keys[i]);
-    const bool same = text != nullptr ? AsView(value, buffer) == *text
-                                      : SameNumber(value, *std::get_if<std::int64_t>(&keys[i]));
-    if (!same) return false;
+    if (const auto* const number = std::get_if<std::int64_t>(&keys[i])) {
+      const bool same = value.kind == Kind::kInteger ? static_cast<std::int64_t>(value.bits) == *number
+                                                     : WrittenAs(value, *number);
+      if (!same) return false;
+    } else if (AsView(value, buffer) != *std::get_if<std::string_view>(&keys[i])) {
+      return false;
+    }
   }
   return true;
 }
 
-bool ResultSet::SameNumber(Value value, std::int64_t number) const {
-  if (value.kind == Kind::kInteger) return static_cast<std::int64_t>(value.bits) == number;
+bool ResultSet::WrittenAs(Value value, std::int64_t number) const {
   TextBuffer buffer;
   TextBuffer number_buffer;
   return AsView(value, buffer) == AsView({Kind::kInteger, static_cast<std::uint64_t>(number)}, number_buffer);
@@ -309,9 +319,12 @@ bool ResultSet::SameNumber(Value value, std::int64_t number) const {
 // Values that are equal most often share their bits; where they do not, hashing them does no harm.
 bool ResultSet::Varies(std::size_t column) const {
   const Value first = AtUnchecked(0, column);
-  for (std::size_t row = 1; row < row_count_; ++row) {
-    const Value value = AtUnchecked(row, column);
-    if (value.bits != first.bits || value.kind != first.kind) return true;
+  std::size_t rows_left = row_count_;
+  for (const Block& block : blocks_) {
+    const std::size_t cells = std::min(rows_left, kBlockRows) * width_;
+    for (std::size_t cell = column; cell < cells; cell += width_)
+      if (block.bits[cell] != first.bits || block.kinds[cell] != first.kind) return true;
+    rows_left -= cells / width_;
   }
   return false;
 }

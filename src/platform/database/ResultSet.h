@@ -168,7 +168,7 @@ class ResultSet {
   bool Varies(std::size_t column) const;
   void EnterRows(Index& index) const;
   bool Equals(Row row, const Index& index, std::span<const KeyView> keys) const;
-  bool SameNumber(Value value, std::int64_t number) const;
+  bool WrittenAs(Value value, std::int64_t number) const;
   bool SameKeys(Row row, Row other, const Index& index) const;
 
   std::shared_ptr<const ResultColumns> columns_;
