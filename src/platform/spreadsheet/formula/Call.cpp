@@ -9,13 +9,13 @@
 namespace excelexp::formula {
 namespace {
 
-using Index = std::unordered_map<std::string_view, const Implementation*>;
+using Index = std::unordered_map<const FunctionInfo*, const Implementation*>;
 
 Index MakeIndex() {
   Index index;
   for (const auto& family : {LogicFunctions(), MathFunctions(), StatisticFunctions(), ConditionalFunctions(),
                              TextFunctions(), DateFunctions(), LookupFunctions(), InformationFunctions()}) {
-    for (const Implementation& row : family) index.emplace(row.name, &row);
+    for (const Implementation& row : family) index.emplace(FindFunction(row.name), &row);
   }
   return index;
 }
@@ -81,16 +81,16 @@ Value Call::EvaluateScalar(std::size_t i) const {
   return evaluator_.ToScalar(value);
 }
 
-const Implementation* FindImplementation(std::string_view name) {
+const Implementation* FindImplementation(const FunctionInfo& function) {
   static const Index index = MakeIndex();
-  const auto found = index.find(name);
+  const auto found = index.find(&function);
   return found == index.end() ? nullptr : found->second;
 }
 
 Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array) {
-  const FunctionInfo* info = FindFunction(node.text);
+  const FunctionInfo* info = node.function;
   if (info == nullptr) return Value::Error(ErrorCode::kName);
-  const Implementation* function = FindImplementation(node.text);
+  const Implementation* function = FindImplementation(*info);
   if (function == nullptr) throw UnknownResult{};
   Call call(evaluator, node, in_array);
   if (function->arguments == Arguments::kLazy) return CallOnce(*function, call);

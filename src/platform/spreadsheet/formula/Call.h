@@ -70,7 +70,7 @@ std::span<const Implementation> LookupFunctions();
 std::span<const Implementation> InformationFunctions();
 
 /// nullptr for a function that only the application computes.
-const Implementation* FindImplementation(std::string_view name);
+const Implementation* FindImplementation(const FunctionInfo& function);
 
 /// Computes a call; throws UnknownResult for a function without implementation.
 Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array);

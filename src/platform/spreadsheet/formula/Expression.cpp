@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/spreadsheet/formula/FunctionTable.h"
+
 namespace excelexp::formula {
 namespace {
 
@@ -52,6 +54,7 @@ std::unique_ptr<Node> Clone(const Node& node) {
   copy->number = node.number;
   copy->error = node.error;
   copy->text = node.text;
+  copy->function = node.function;
   copy->reference = node.reference;
   copy->children.reserve(node.children.size());
   for (const std::unique_ptr<Node>& child : node.children) copy->children.push_back(Clone(*child));
@@ -72,6 +75,7 @@ std::unique_ptr<Node> MakeNode(NodeType type, std::vector<std::unique_ptr<Node>>
 std::unique_ptr<Node> MakeCall(std::string_view function, std::vector<std::unique_ptr<Node>> arguments) {
   std::unique_ptr<Node> call = MakeNode(NodeType::kCall, std::move(arguments));
   call->text = function;
+  call->function = FindFunction(function);
   return call;
 }
 

@@ -71,13 +71,16 @@ struct Reference {
   bool single = true;  ///< A1 rather than A1:B2
 };
 
+struct FunctionInfo;
+
 struct Node {
   NodeType type = NodeType::kMissing;
   std::uint16_t height = 1;      ///< levels of the tree from here down, at most kMaxHeight
   Operator op = Operator::kAdd;  ///< kUnary, kBinary
   double number = 0.0;           ///< kNumber; 0 or 1 for kBoolean
   ErrorCode error = ErrorCode::kNull;
-  std::string text;  ///< kText; kName and kCall: the name in capitals
+  std::string text;                        ///< kText; kName and kCall: the name in capitals
+  const FunctionInfo* function = nullptr;  ///< kCall: nullptr for one that the application does not know
   Reference reference;
   std::vector<std::unique_ptr<Node>> children;
 };

@@ -105,7 +105,7 @@ class Fitter {
 
   bool TooManyArguments(const Node& node) const {
     if (node.type != NodeType::kCall) return false;
-    const FunctionInfo* function = FindFunction(node.text);
+    const FunctionInfo* function = node.function;
     const bool named = function == nullptr || function->index == kCalledByName;
     const std::size_t name_takes = named && limits_.max_arguments == kMaxXlsArguments ? 1 : 0;
     return node.children.size() + name_takes > static_cast<std::size_t>(limits_.max_arguments);

@@ -317,6 +317,7 @@ class Parser {
     }
     NodePointer call = Make(NodeType::kCall, std::move(arguments), Operator::kAdd, start);
     call->text = std::move(name);
+    call->function = function;
     return call;
   }
 

@@ -173,7 +173,7 @@ class Printer {
   }
 
   void PutCall(const Node& node) {
-    const FunctionInfo* function = style_ == NameStyle::kStored ? FindFunction(node.text) : nullptr;
+    const FunctionInfo* function = style_ == NameStyle::kStored ? node.function : nullptr;
     if (function != nullptr && function->storage == FunctionStorage::kSince2010) out_ += "_xlfn.";
     out_ += node.text;
     PutList("(", node);

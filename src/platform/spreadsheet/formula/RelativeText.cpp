@@ -1,6 +1,8 @@
 #include "platform/spreadsheet/formula/RelativeText.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 #include "platform/spreadsheet/formula/Lexis.h"
 #include "platform/spreadsheet/formula/ReferenceReader.h"
@@ -12,8 +14,11 @@ constexpr std::size_t kLongest = 512;
 constexpr char kReferenceMark = '\x01';
 
 void AppendAxis(std::string& text, int position, bool absolute, int base) {
-  text += absolute ? '$' : 'r';
-  text += std::to_string(absolute ? position : position - base);
+  std::array<char, 12> digits;
+  digits[0] = absolute ? '$' : 'r';
+  const auto end =
+      std::to_chars(digits.data() + 1, digits.data() + digits.size(), absolute ? position : position - base);
+  text.append(digits.data(), end.ptr);
 }
 
 void AppendReference(std::string& text, const Reference& reference, int row, int column) {
@@ -21,6 +26,7 @@ void AppendReference(std::string& text, const Reference& reference, int row, int
   text += reference.single ? '1' : '2';
   AppendAxis(text, reference.range.first_row, reference.row_absolute[0], row);
   AppendAxis(text, reference.range.first_col, reference.column_absolute[0], column);
+  if (reference.single) return;
   AppendAxis(text, reference.range.last_row, reference.row_absolute[1], row);
   AppendAxis(text, reference.range.last_col, reference.column_absolute[1], column);
 }

@@ -98,10 +98,41 @@ CallClasses ClassesOfCall(OperandClass given, const Demand& demand) {
 constexpr FunctionInfo kCallByName = {
     "", kCalledByName, 1, kMaxXlsArguments, OperandClass::kValue, "R", false, FunctionStorage::kSince2007};
 
+void Put16At(std::uint8_t* place, std::size_t number) {
+  place[0] = static_cast<std::uint8_t>(number & 0xFFU);
+  place[1] = static_cast<std::uint8_t>(number >> 8U & 0xFFU);
+}
+
+/// Writes the cells of a moved reference over the four or eight bytes kept for them.
+void PutCells(Reference reference, const Moves& moves, std::uint8_t* place) {
+  if (moves.Any() && !Move(reference, moves))
+    throw SpreadsheetError("a reference of the formula leaves the sheet");
+  CellRange range = reference.range;
+  // Whole columns and rows reach as far as the format does.
+  if (range.first_row == 1 && range.last_row == Workbook::kMaxRows) range.last_row = kLastRow;
+  if (range.first_col == 1 && range.last_col == Workbook::kMaxColumns) range.last_col = kLastColumn;
+  if (range.last_row > kLastRow || range.last_col > kLastColumn) {
+    throw SpreadsheetError("the cell " + ColumnLetters(range.last_col) + std::to_string(range.last_row) +
+                           " of the formula lies beyond the " + std::to_string(kLastRow) + " rows and " +
+                           std::to_string(kLastColumn) + " columns of .xls");
+  }
+  const auto column = [&](int end, int number) {
+    return static_cast<std::size_t>(number - 1) | (reference.column_absolute[end] ? 0 : kColumnIsRelative) |
+           (reference.row_absolute[end] ? 0 : kRowIsRelative);
+  };
+  const auto put = [&place](std::size_t number) {
+    Put16At(place, number);
+    place += 2;
+  };
+  put(static_cast<std::size_t>(range.first_row - 1));
+  if (!reference.single) put(static_cast<std::size_t>(range.last_row - 1));
+  put(column(0, range.first_col));
+  if (!reference.single) put(column(1, range.last_col));
+}
+
 class Encoder {
  public:
-  Encoder(TokenContext* context, FormulaPlace place, const Moves& moves)
-      : context_(context), place_(place), moves_(moves) {}
+  Encoder(TokenContext* context, FormulaPlace place) : context_(context), place_(place) {}
 
   void EncodeRoot(const Node& root) {
     if (IsVolatile(root)) out_.Put(Attribute::kVolatile);
@@ -109,12 +140,12 @@ class Encoder {
   }
 
   TokenWriter& Out() { return out_; }
+  std::vector<CellsPlace> TakeCells() { return std::move(cells_); }
 
  private:
   static bool IsVolatile(const Node& node) {
     if (node.type == NodeType::kCall) {
-      const FunctionInfo* function = FindFunction(node.text);
-      if (function != nullptr && function->is_volatile) return true;
+      if (node.function != nullptr && node.function->is_volatile) return true;
     }
     return std::any_of(node.children.begin(), node.children.end(),
                        [](const auto& child) { return IsVolatile(*child); });
@@ -186,13 +217,8 @@ class Encoder {
       out_.Put(single ? Token::kCellOfSheets : Token::kAreaOfSheets, operand_class);
       out_.Put16(context_ == nullptr ? 0 : context_->Sheets(reference.sheet, reference.last_sheet));
     }
-    if (moves_.Any()) {
-      Reference moved = reference;
-      if (!Move(moved, moves_)) throw SpreadsheetError("a reference of the formula leaves the sheet");
-      PutCells(moved);
-    } else {
-      PutCells(reference);
-    }
+    cells_.push_back({out_.Place(), &reference});
+    for (int word = single ? 2 : 4; word > 0; --word) out_.Put16(0);
     // A cell weighs 7, an area 13; with sheets 9 and 15 ([MS-XLS] 2.5.198.104).
     out_.AddWeight(single ? 2 : 4);
   }
@@ -201,26 +227,6 @@ class Encoder {
     const bool fixed = !reference.sheet.empty() && reference.row_absolute[0] && reference.row_absolute[1] &&
                        reference.column_absolute[0] && reference.column_absolute[1];
     if (!fixed) throw SpreadsheetError("a defined name needs absolute references that name their sheet");
-  }
-
-  void PutCells(const Reference& reference) {
-    CellRange range = reference.range;
-    // Whole columns and rows reach as far as the format does.
-    if (range.first_row == 1 && range.last_row == Workbook::kMaxRows) range.last_row = kLastRow;
-    if (range.first_col == 1 && range.last_col == Workbook::kMaxColumns) range.last_col = kLastColumn;
-    if (range.last_row > kLastRow || range.last_col > kLastColumn) {
-      throw SpreadsheetError("the cell " + ColumnLetters(range.last_col) + std::to_string(range.last_row) +
-                             " of the formula lies beyond the " + std::to_string(kLastRow) + " rows and " +
-                             std::to_string(kLastColumn) + " columns of .xls");
-    }
-    const auto column = [&](int end, int number) {
-      return static_cast<std::size_t>(number - 1) | (reference.column_absolute[end] ? 0 : kColumnIsRelative) |
-             (reference.row_absolute[end] ? 0 : kRowIsRelative);
-    };
-    out_.Put16(static_cast<std::size_t>(range.first_row - 1));
-    if (!reference.single) out_.Put16(static_cast<std::size_t>(range.last_row - 1));
-    out_.Put16(column(0, range.first_col));
-    if (!reference.single) out_.Put16(column(1, range.last_col));
   }
 
   void EncodeName(const std::string& name, TokenContext::NameKind kind, OperandClass operand_class) {
@@ -249,7 +255,7 @@ class Encoder {
   }
 
   void EncodeCall(const Node& node, const Demand& demand) {
-    const FunctionInfo* found = FindFunction(node.text);
+    const FunctionInfo* found = node.function;
     const FunctionInfo& function = found == nullptr ? kCallByName : *found;
     const CallClasses classes = ClassesOfCall(function.result, demand);
     const bool was_inside = std::exchange(in_reference_expression_, false);
@@ -338,28 +344,43 @@ class Encoder {
 
   TokenContext* context_;  ///< nullptr when only the size matters
   FormulaPlace place_;
-  Moves moves_;
+  std::vector<CellsPlace> cells_;
   TokenWriter out_;
   bool in_reference_expression_ = false;
 };
 
 }  // namespace
 
-std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
-                                       FormulaPlace place, const Moves& moves) {
-  Encoder encoder(&context, place, moves);
+TokenTemplate::TokenTemplate(const Expression& expression, TokenContext& context, FormulaPlace place) {
+  Encoder encoder(&context, place);
   encoder.EncodeRoot(expression.Root());
   if (encoder.Out().Weight() > kMaxTokenSize) {
     throw SpreadsheetError("the formula is too long for .xls: " + std::to_string(encoder.Out().Weight()) +
                            " bytes of tokens, at most " + std::to_string(kMaxTokenSize));
   }
-  return encoder.Out().Take();
+  cells_ = encoder.TakeCells();
+  bytes_ = encoder.Out().Take();
+}
+
+std::vector<std::uint8_t> TokenTemplate::Tokens(const Moves& moves) const {
+  std::vector<std::uint8_t> tokens = bytes_;
+  for (const CellsPlace& each : cells_) PutCells(*each.reference, moves, tokens.data() + each.place);
+  return tokens;
+}
+
+std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
+                                       FormulaPlace place) {
+  return TokenTemplate(expression, context, place).Tokens({});
 }
 
 std::size_t TokenSize(const Node& node) {
-  Encoder encoder(nullptr, FormulaPlace::kCell, {});
+  Encoder encoder(nullptr, FormulaPlace::kCell);
   encoder.EncodeRoot(node);
-  return encoder.Out().Weight();
+  const std::size_t size = encoder.Out().Weight();
+  std::vector<std::uint8_t> tokens = encoder.Out().Take();
+  for (const CellsPlace& each : encoder.TakeCells())
+    PutCells(*each.reference, {}, tokens.data() + each.place);
+  return size;
 }
 
 }  // namespace excelexp::formula

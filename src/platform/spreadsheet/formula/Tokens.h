@@ -45,12 +45,32 @@ enum class FormulaPlace : std::uint8_t {
 /// ([MS-XLS] 2.5.198.104, ACTUAL_EXPRESSION_SIZE).
 inline constexpr std::size_t kMaxTokenSize = 1800;
 
+/// Where tokens tell which cells a reference means.
+struct CellsPlace {
+  std::size_t place;
+  const Reference* reference;
+};
+
+/// The tokens of an expression that formulas share, each with its references moved: encoded once, and for
+/// each formula copied with other cells.
+class TokenTemplate {
+ public:
+  /// Throws SpreadsheetError as EncodeTokens does, but for cells. The expression outlives the object.
+  TokenTemplate(const Expression& expression, TokenContext& context, FormulaPlace place);
+
+  /// Throws SpreadsheetError for cells that .xls does not hold, or that lie before the first.
+  std::vector<std::uint8_t> Tokens(const Moves& moves) const;
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+  std::vector<CellsPlace> cells_;
+};
+
 /// The parsed expression (rgce) of a BIFF8 formula, without its length field. Throws SpreadsheetError for
 /// what .xls does not hold: cells beyond 65,536 rows or 256 columns, calls with more than 30 arguments, more
 /// than kMaxTokenSize; FitFormula makes such formulas fit where that is possible.
-/// The expression's relative references are written moved.
 std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
-                                       FormulaPlace place = FormulaPlace::kCell, const Moves& moves = {});
+                                       FormulaPlace place = FormulaPlace::kCell);
 
 /// The size that counts against kMaxTokenSize. It is larger than the bytes in the file: references weigh what
 /// they weigh in the application's memory.

@@ -51,6 +51,7 @@ FormulaLinks::FormulaLinks(const Workbook& workbook) : workbook_(workbook), toke
 bool FormulaLinks::Fits(const std::shared_ptr<const formula::Expression>& expression) {
   if (expression != last_asked_) {
     last_asked_ = expression;
+    last_template_.reset();
     last_fits_ = formula::FitsAsItIs(*expression, formula::kXlsLimits);
   }
   return last_fits_;
@@ -61,8 +62,10 @@ void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& posi
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
     if (Fits(formula.expression)) {
-      tokens_[cell.formula] =
-          formula::EncodeTokens(*formula.expression, *this, formula::FormulaPlace::kCell, formula.moves);
+      if (!last_template_) {
+        last_template_.emplace(*formula.expression, *this, formula::FormulaPlace::kCell);
+      }
+      tokens_[cell.formula] = last_template_->Tokens(formula.moves);
       return;
     }
     const formula::FittedFormula fitted =

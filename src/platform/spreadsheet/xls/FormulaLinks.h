@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -52,8 +53,9 @@ class FormulaLinks : public formula::TokenContext {
   const Workbook& workbook_;
   std::shared_ptr<const formula::Expression> last_asked_;
   bool last_fits_ = false;
-  std::vector<std::vector<std::uint8_t>> tokens_;  ///< by the workbook's formula index
-  std::vector<SheetSpan> spans_;                   ///< entries of EXTERNSHEET
+  std::optional<formula::TokenTemplate> last_template_;  // of last_asked_
+  std::vector<std::vector<std::uint8_t>> tokens_;        ///< by the workbook's formula index
+  std::vector<SheetSpan> spans_;                         ///< entries of EXTERNSHEET
   std::vector<DefinedName> names_;
   std::unordered_map<std::string, std::uint16_t> name_numbers_;
   std::vector<std::string> add_in_functions_;
