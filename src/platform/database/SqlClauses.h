@@ -38,7 +38,8 @@ bool HasOnlyNumberedParameters(const std::vector<SqlToken>& tokens);
 /// cannot be moved past an outer join, and a natural one depends on which columns a table has.
 bool HasOtherJoins(const std::vector<SqlToken>& tokens, const TokenSpan& span);
 
-/// One past the parenthesis that closes the one at `begin`; the number of tokens when none does.
+/// One past the parenthesis that closes the one at `begin`, or past another token that stands there; the
+/// number of tokens when no parenthesis closes it.
 std::size_t EndOfParentheses(const std::vector<SqlToken>& tokens, std::size_t begin);
 
 /// Whether the span is one pair of parentheses and what stands in it.

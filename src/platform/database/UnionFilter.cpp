@@ -37,7 +37,8 @@ class UnionFilter {
     if (!FindClauses()) return std::string(sql_);
     std::string text;
     std::size_t copied = 0;
-    for (std::size_t i = from_.begin; i < from_.end; ++i) {
+    // What stands deeper goes by names that the statement's conditions do not mean.
+    for (std::size_t i = from_.begin; i < from_.end; i = EndOfParentheses(tokens_, i)) {
       United united;
       const std::string condition = ReadUnited(i, united) ? ConditionOn(united) : "";
       if (condition.empty()) continue;
@@ -86,11 +87,12 @@ class UnionFilter {
                             IsValue(tokens_, {begin + 4, condition.end});
       if (!compares) continue;
       const std::size_t column = tokens_[begin + 2].begin;
-      const std::string where(sql_.substr(column, tokens_[condition.end - 1].End() - column));
-      const std::string table(united.table);
+      const std::string_view compared = sql_.substr(column, tokens_[condition.end - 1].End() - column);
+      std::string text = "WHERE ";
+      text.append(united.table).append(".").append(compared);
       // The second select gives no rows. It keeps the number that the database expects, by which it decides
       // in which order to join.
-      return "WHERE " + table + "." + where + " UNION SELECT * FROM " + table + " WHERE 0 ";
+      return text.append(" UNION SELECT * FROM ").append(united.table).append(" WHERE 0 ");
     }
     return "";
   }

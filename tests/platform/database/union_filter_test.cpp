@@ -42,6 +42,10 @@ TEST(UnionFilter, TheTableIsSearchedInsideTheUnion) {
            "SELECT * FROM (SELECT * FROM Place UNION SELECT '','','') AS P, Range AS R WHERE R.RangeId = '1'",
            "SELECT * FROM (SELECT * FROM Place UNION SELECT '','','') AS P WHERE P.PlaceId = 'A' AND P.Floor "
            "= ?",
+           // Another P.
+           "SELECT * FROM (SELECT COUNT(*) FROM (SELECT * FROM Place UNION SELECT '','','') AS P) AS N, "
+           "Place AS P "
+           "WHERE P.PlaceId = 'A'",
            "SELECT * FROM (SELECT * FROM Place UNION SELECT '','','') AS P WHERE P.Nothing = 1"})
     EXPECT_EQ(rewritten(sql), sql);
 }
