@@ -38,6 +38,11 @@ class EmployeePreparation : public testing::Test {
     core_.SetFirstWkSheetItem(false);
     return Prepare(report);
   }
+  int PreparePay() {
+    core_.SetExcelWSItemRptId("Pay");
+    core_.SetExcelWSItemSysId(7);
+    return BExcelExpEngFinRptInfo(&core_).ExecuteOperation();
+  }
   /// The people whom the first report's restriction keeps.
   std::string FirstPeople() {
     EXPECT_TRUE(core_.ExecuteSQL("SELECT EmployeeSysId AS Id FROM Employee WHERE EmployeeSysId IN " +
@@ -96,27 +101,25 @@ TEST_F(EmployeePreparation, LaterReportsNeedPeopleOfTheFirst) {
 
   // After a financial report: its entities, here employees 1 and 4.
   core_.SetFirstWkSheetItem(false);
-  core_.SetExcelWSItemRptId("Pay");
-  core_.SetExcelWSItemSysId(7);
-  EXPECT_EQ(BExcelExpEngFinRptInfo(&core_).ExecuteOperation(), 1);
+  EXPECT_EQ(PreparePay(), 1);
   EXPECT_EQ(Prepare("Works"), 1);
-  scenario_.Execute("DELETE FROM AnlysItemRecord WHERE Basis1Id = '4'");
+  scenario_.Execute("UPDATE Figures SET Basis1Id = '2' WHERE Basis1Id = '4'");
+  EXPECT_EQ(PreparePay(), 1);
   EXPECT_EQ(Prepare("Works"), 0);
+  scenario_.Execute("UPDATE Figures SET Basis1Id = '4' WHERE Basis1Id = '2'");
 
   // At basis level people are compared with the first ids alone.
   scenario_.Execute("UPDATE AnlysProject SET SummaryLevel = 'SumLevelBasis'");
   core_.SetFirstWkSheetItem(false);
-  core_.SetExcelWSItemRptId("Pay");
-  EXPECT_EQ(BExcelExpEngFinRptInfo(&core_).ExecuteOperation(), 1);
+  EXPECT_EQ(PreparePay(), 1);
   EXPECT_EQ(Prepare("Works"), 1);
   EXPECT_EQ(Prepare("Nobody"), 0);
 
   // And the other way round: pay figures of people whom the employee report has.
   EXPECT_EQ(PrepareAlone("Sales"), 1);
-  core_.SetExcelWSItemRptId("Pay");
-  EXPECT_EQ(BExcelExpEngFinRptInfo(&core_).ExecuteOperation(), 1);
+  EXPECT_EQ(PreparePay(), 1);
   scenario_.Execute("DELETE FROM Figures WHERE Basis1Id = '1'");
-  EXPECT_EQ(BExcelExpEngFinRptInfo(&core_).ExecuteOperation(), 0);
+  EXPECT_EQ(PreparePay(), 0);
   EXPECT_EQ(ScenarioRun::Lines(log_.Lines()), "");
 }
 

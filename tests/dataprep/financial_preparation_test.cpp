@@ -1,6 +1,7 @@
 #include "dataprep/BExcelExpEngFinRptInfo.h"
 
-#include "platform/database/SqliteWriter.h"
+#include "platform/database/DatabaseRegistry.h"
+#include "platform/database/ResultSet.h"
 #include "support/people.h"
 #include "support/scenario.h"
 
@@ -59,10 +60,10 @@ class FinancialPreparation : public testing::Test {
                       "FinancialHasGrandTot, FinancialHasTotEmpCt) VALUES ('" +
                       id + "', '" + id + "', 'BreakdownList', 2, 3)");
   }
-  std::size_t RecordsUnder(const std::string& key) {
-    return SqliteWriter(scenario_.DatabaseFile())
-        .Rows("SELECT * FROM AnlysItemRecord WHERE AnlysIPAddress = '" + key + "'")
-        .size();
+  int RecordsUnder(const std::string& key) {
+    return DatabaseRegistry::Find(kPayrollDatabaseName)
+        ->Select("SELECT * FROM AnlysItemRecord WHERE AnlysIPAddress = '" + key + "'")
+        ->RowCount();
   }
   std::vector<std::string> Errors() const {
     std::vector<std::string> errors;
@@ -248,8 +249,8 @@ TEST_F(FinancialPreparation, ItemsOfOneProjectHaveDataKeysOfTheirOwn) {
   scenario_.Execute("INSERT INTO Figures (AnlysItemRecYear, Basis1Id, AnlysAmount1) VALUES (2023, '2', 1)");
   EXPECT_EQ(Prepare("Pay", 7, 1), 1);  // 2024 alone
   EXPECT_EQ(Prepare("Pay", 8, 2), 1);  // all periods
-  EXPECT_EQ(RecordsUnder("10.1.2.3_1"), 2u);
-  EXPECT_EQ(RecordsUnder("10.1.2.3_2"), 3u);
+  EXPECT_EQ(RecordsUnder("10.1.2.3_1"), 2);
+  EXPECT_EQ(RecordsUnder("10.1.2.3_2"), 3);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "platform/analysis/SetupTableAnalysisEngine.h"
 #include "platform/database/DatabaseRegistry.h"
 #include "platform/database/Query.h"
+#include "platform/database/ResultSet.h"
 #include "platform/database/SqliteDatabase.h"
 #include "services/BExcelExpEngCalcFields.h"
 
@@ -219,9 +220,7 @@ TEST_F(DemoDefinitions, EveryItemHasDataInEveryPeriodItPrints) {
   const auto items = Open(
       "SELECT * FROM ExcelWkSheetItem JOIN ExcelWSItemRptOpts USING (WkSheetItemSysId) JOIN FinancialRpt "
       "ON FinancialRptId = WkSheetItemRptId JOIN AnlysProject ON AnlysProjectId = FinancialAnalysProjId");
-  const TemporaryFolder folder;
-  std::filesystem::copy_file(File(), folder.File("copy.db"));
-  const auto writer = std::make_shared<SqliteWriter>(folder.File("copy.db"));
+  const std::shared_ptr<Database> database = DatabaseRegistry::Find(kPayrollDatabaseName);
   for (items->First(); !items->Eof(); items->Next()) {
     const auto text = [&](const char* field) { return items->FieldByName(field).AsString(); };
     const auto number = [&](const char* field) { return items->FieldByName(field).AsInteger(); };
@@ -236,20 +235,18 @@ TEST_F(DemoDefinitions, EveryItemHasDataInEveryPeriodItPrints) {
     request.WSItemToYear = number("WSItemToYear");
     request.WSItemToMthPeriod = number("WSItemToMthPeriod");
     request.WSItemToSubPeriod = number("WSItemToSubPeriod");
-    SetupTableAnalysisEngine engine(request, writer);
+    SetupTableAnalysisEngine engine(request, database);
     engine.SetOnFailure([](const std::string& message) { ADD_FAILURE() << message; });
     engine.ExecuteOperation();
     const std::string mine = " FROM AnlysItemRecord WHERE AnlysIPAddress = '" + request.AnlysIPAddress + "'";
-    EXPECT_FALSE(writer->Rows("SELECT 1" + mine + " LIMIT 1").empty()) << text("WkSheetItemRptId");
-    EXPECT_THAT(
-        Rows(folder.File("copy.db"), "SELECT * FROM ExcelWSItemRptLayout WHERE WkSheetItemSysId = " +
-                                         text("WkSheetItemSysId") + " AND NOT EXISTS (SELECT 1" + mine +
-                                         " AND AnlysItemRecYear = WSRptLayoutYear AND "
-                                         "AnlysItemRecPeriodMonth = WSRptLayoutMthPeriod AND "
-                                         "AnlysItemRecSubPeriod = WSRptLayoutSubPeriod AND AnlysPayRecBasis "
-                                         "= WSRptLayoutPayRecIdType)"),
-        IsEmpty())
-        << text("WkSheetItemRptId");
+    EXPECT_FALSE(database->Select("SELECT 1" + mine + " LIMIT 1")->IsEmpty()) << text("WkSheetItemRptId");
+    const auto missing = database->Select(
+        "SELECT * FROM ExcelWSItemRptLayout WHERE WkSheetItemSysId = " + text("WkSheetItemSysId") +
+        " AND NOT EXISTS (SELECT 1" + mine +
+        " AND AnlysItemRecYear = WSRptLayoutYear AND AnlysItemRecPeriodMonth = WSRptLayoutMthPeriod AND "
+        "AnlysItemRecSubPeriod = WSRptLayoutSubPeriod AND AnlysPayRecBasis = WSRptLayoutPayRecIdType)");
+    EXPECT_TRUE(missing->IsEmpty()) << text("WkSheetItemRptId");
+    engine.DeleteOperation();
   }
   // However the pay is cut, it is the same pay; and a key finds one record.
   const std::string net = "SELECT ROUND(SUM(AnlysAmount1), 2) FROM %s WHERE AnlysItem1Id = 'NetWage'";

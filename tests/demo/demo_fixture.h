@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "demo/DemoDatabase.h"
+#include "platform/database/SqliteWriter.h"
 #include "support/scenario.h"
 
 namespace excelexp {

@@ -33,6 +33,8 @@ class Command {
 
   pid_t Pid() const { return pid_; }
   void Signal(int number) const;
+  /// What standard error holds so far.
+  std::string ErrorSoFar() const { return ReadOutput("err"); }
   /// Waits for the end; throws after some time.
   CommandResult Wait();
 

@@ -144,13 +144,13 @@ class Scenario::FailingDatabase final : public Database {
 
 Scenario::Scenario(const std::string& sql) : context_name_(kPayrollDatabaseName) {
   database_ = MakeDatabase(context_name_, sql);
-  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+  host_ = std::make_unique<ScenarioHost>(OutputFile(), context_name_);
 }
 
 Scenario::Scenario(const std::string& sql, const std::string& context_sql) : context_name_("reports") {
   MakeDatabase(std::string(kPayrollDatabaseName), sql);
   database_ = MakeDatabase(context_name_, context_sql);
-  host_ = std::make_unique<ScenarioHost>(DatabaseFile(), OutputFile());
+  host_ = std::make_unique<ScenarioHost>(OutputFile(), context_name_);
 }
 
 std::shared_ptr<Scenario::FailingDatabase> Scenario::MakeDatabase(const std::string& name,

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/BExcelExpEngine.h"
@@ -32,7 +33,9 @@ class TemporaryFolder {
 /// A host whose clock stands still at 5 March 2024 14:05:09 and who answers the dialogs as a test says.
 class ScenarioHost : public BatchHost {
  public:
-  using BatchHost::BatchHost;
+  /// Analysis records go to the connection of `records_alias`, whichever the engine names.
+  ScenarioHost(std::string output_file, std::string records_alias)
+      : BatchHost(std::move(output_file)), records_alias_(std::move(records_alias)) {}
 
   std::optional<std::string> AskSaveFile(const std::string& name) override {
     proposed.push_back(name);
@@ -47,7 +50,7 @@ class ScenarioHost : public BatchHost {
     requests.push_back(request);
     request_databases.push_back(interactive ? database + ", interactive" : database);
     return make_analysis ? make_analysis(request)
-                         : BatchHost::CreateAnalysisRptEng(request, database, interactive);
+                         : BatchHost::CreateAnalysisRptEng(request, records_alias_, interactive);
   }
 
   DateTime now = ParseDateTime("2024-03-05 14:05:09");
@@ -59,6 +62,9 @@ class ScenarioHost : public BatchHost {
   std::vector<std::string> shown;               ///< message boxes
   std::vector<AnlysProjectStructure> requests;  ///< to the analysis engine
   std::vector<std::string> request_databases;   ///< named in each of them
+
+ private:
+  std::string records_alias_;
 };
 
 /// What a run left.

@@ -7,6 +7,7 @@
 #include "platform/host/BatchHost.h"
 #include "platform/host/LineSinks.h"
 #include "platform/host/ProgressLine.h"
+#include "platform/host/Workstation.h"
 #include "platform/spreadsheet/SpreadsheetError.h"
 
 namespace excelexp {
@@ -35,7 +36,7 @@ TEST(BatchHostTest, AFileThatCannotBeWrittenIsToldBeforeTheWork) {
   const test::TestDatabase database("CREATE TABLE T (Id integer);");
   const auto answer = [&](const std::string& file) -> std::string {
     try {
-      return BatchHost(database.File(), file).AskSaveFile("proposed.xls").value_or("cancelled");
+      return BatchHost(file).AskSaveFile("proposed.xls").value_or("cancelled");
     } catch (const SpreadsheetError& error) {
       return error.what();
     }
@@ -49,6 +50,38 @@ TEST(BatchHostTest, AFileThatCannotBeWrittenIsToldBeforeTheWork) {
   EXPECT_EQ(
       answer(database.File() + "/x.xls"),
       "'" + database.File() + "/x.xls' cannot be written: there is no folder '" + database.File() + "'");
+}
+
+TEST(BatchHostTest, NoRecordsStayWhenItGoes) {
+  const test::TestDatabase file(
+      "CREATE TABLE AnlysItemRecord (AnlysProjectId varchar(40), AnlysIPAddress varchar(40), Basis1Id "
+      "varchar(40), Basis2Id varchar(40), Basis3Id varchar(40), AnlysItemRecYear integer, "
+      "AnlysItemRecPeriodMonth integer, AnlysItemRecSubPeriod integer);"
+      "CREATE TABLE Setup AS SELECT * FROM AnlysItemRecord;"
+      "INSERT INTO Setup VALUES ('', '', '1', '', '', 2024, 1, 0);");
+  const std::shared_ptr<Database> database = file.Open();
+  const test::Registered registered("varndb", database);
+  const auto count = [&] { return test::Rows(*database->Select("SELECT COUNT(*) FROM AnlysItemRecord")); };
+  AnlysProjectStructure request;
+  request.AnlysProjectId = "P";
+  request.AnlysIPAddress = "10.0.0.7_1";
+  request.AnlysSetupId = "setup";
+  {
+    BatchHost host("x.xls");
+    EXPECT_EQ(host.CreateAnalysisRptEng(request, "other", false), nullptr);
+    EXPECT_EQ(host.CreateAnalysisRptEng(request, "varndb", false)->ExecuteOperation(), 1);
+    EXPECT_EQ(count(), "1");
+  }
+  EXPECT_EQ(count(), "0");
+}
+
+TEST(WorkstationTest, TakesOnlyWhatIsSafeInADataKey) {
+  for (const char* good : {"pc", "10.0.0.7", "fe80::1", "A-b_c.9"}) EXPECT_TRUE(IsWorkstationAddress(good));
+  EXPECT_TRUE(IsWorkstationAddress(std::string(39, 'x')));
+  for (const char* bad : {"", "a~b", "a b", "a'b", "a%", "ä", "a/b", "a\n"})
+    EXPECT_FALSE(IsWorkstationAddress(bad));
+  EXPECT_FALSE(IsWorkstationAddress(std::string(40, 'x')));
+  EXPECT_TRUE(IsWorkstationAddress(DefaultWorkstation()));
 }
 
 TEST(FileLineSinkTest, ALogIsItsOwnersAloneAlsoWhenItWasNot) {
