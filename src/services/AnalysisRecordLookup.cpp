@@ -88,24 +88,27 @@ void AnalysisRecordLookup::EachKey(const Request& request, const Take& take) con
 }
 
 bool AnalysisRecordLookup::Run(const Request& request) const {
+  const ResultSet::Search& search = SearchFor(request);
   std::array<KeyView, kMostKeys> values;
   std::size_t count = 0;
   EachKey(request, [&](std::string_view, const KeyView& value) { values[count++] = value; });
-  return records_->Locate(ColumnsOf(request), std::span(values).first(count));
+  return records_->Locate(search, std::span(values).first(count));
 }
 
-/// The columns of the fields, which are the same for every request of a kind on one result.
-std::span<const int> AnalysisRecordLookup::ColumnsOf(const Request& request) const {
+/// The search is the same for every request of a kind on one result.
+const ResultSet::Search& AnalysisRecordLookup::SearchFor(const Request& request) const {
   int kind = static_cast<int>(request.bank) | (request.country != nullptr ? 4 : 0);
   if (request.basis_a != nullptr) kind |= core_->ExcelWkSheetRptSumLvl == summary_level::kCompany ? 8 : 16;
-  if (kind != kind_ || records_->Columns() != columns_of_) {
+  if (kind != kind_ || result_ == nullptr || records_->Result() != result_) {
+    result_ = nullptr;
     std::vector<std::string_view> fields;
+    fields.reserve(kMostKeys);
     EachKey(request, [&](std::string_view field, const KeyView&) { fields.push_back(field); });
-    columns_ = records_->ColumnsOf(fields);  // throws for one that is missing: nothing is known then
+    search_ = records_->SearchBy(fields);  // throws for a field that is missing
     kind_ = kind;
-    columns_of_ = records_->Columns();
+    result_ = records_->Result();
   }
-  return columns_;
+  return search_;
 }
 
 }  // namespace excelexp

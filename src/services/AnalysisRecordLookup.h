@@ -60,14 +60,14 @@ class AnalysisRecordLookup {
   template <typename Take>
   void EachKey(const Request& request, const Take& take) const;
   bool Run(const Request& request) const;
-  std::span<const int> ColumnsOf(const Request& request) const;
+  const ResultSet::Search& SearchFor(const Request& request) const;
 
   const BExcelExpEngCore* core_;
   Query* records_;
   LookupTraits traits_;
-  mutable std::shared_ptr<const ResultColumns> columns_of_;
+  mutable std::shared_ptr<const ResultSet> result_;  ///< of the search, which ends with it
   mutable int kind_ = -1;
-  mutable std::vector<int> columns_;
+  mutable ResultSet::Search search_;
 };
 
 }  // namespace excelexp

@@ -132,7 +132,7 @@ bool Query::Locate(std::string_view fields, std::span<const KeyValue> values) {
   std::vector<KeyView> views;
   for (const KeyValue& value : values)
     std::visit([&views](const auto& each) { views.emplace_back(each); }, value);
-  return Locate(columns, views);
+  return Locate(OpenResult().SearchBy(columns), views);
 }
 
 std::vector<int> Query::ColumnsOf(std::span<const std::string_view> fields) const {
@@ -147,17 +147,17 @@ std::vector<int> Query::ColumnsOf(std::span<const std::string_view> fields) cons
   return columns;
 }
 
-bool Query::Locate(std::span<const int> columns, std::span<const KeyView> values) {
-  const int row = OpenResult().Find(columns, values);
+ResultSet::Search Query::SearchBy(std::span<const std::string_view> fields) const {
+  const std::vector<int> columns = ColumnsOf(fields);
+  return OpenResult().SearchBy(columns);
+}
+
+bool Query::Locate(const ResultSet::Search& search, std::span<const KeyView> values) {
+  const int row = search.Find(values);
   if (row < 0) return false;
   row_ = row;
   bof_ = eof_ = false;
   return true;
-}
-
-const std::shared_ptr<const ResultColumns>& Query::Columns() const {
-  static const std::shared_ptr<const ResultColumns> none;
-  return result_ == nullptr ? none : result_->Columns();
 }
 
 }  // namespace excelexp

@@ -85,16 +85,17 @@ class Query {
   bool Locate(std::string_view fields, std::span<const KeyValue> values);
   bool Locate(std::string_view field, const KeyValue& value) { return Locate(field, std::span(&value, 1)); }
 
-  /// The same in two steps, for one search after the other: the columns of the fields, which stand for every
-  /// result of the same Columns(), and the search.
-  std::vector<int> ColumnsOf(std::span<const std::string_view> fields) const;
-  bool Locate(std::span<const int> columns, std::span<const KeyView> values);
+  /// The same in two steps, for one search after the other: how to search by the fields, and the search. Each
+  /// is for the result that the query is open on.
+  ResultSet::Search SearchBy(std::span<const std::string_view> fields) const;
+  bool Locate(const ResultSet::Search& search, std::span<const KeyView> values);
   /// nullptr for a closed query.
-  const std::shared_ptr<const ResultColumns>& Columns() const;
+  const std::shared_ptr<const ResultSet>& Result() const { return result_; }
 
  private:
   friend class Field;
   const ResultSet& OpenResult() const;
+  std::vector<int> ColumnsOf(std::span<const std::string_view> fields) const;
 
   std::string database_name_;
   std::string sql_;

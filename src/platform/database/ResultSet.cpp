@@ -61,6 +61,15 @@ std::optional<std::int64_t> PlainNumber(std::string_view text) {
   return number;
 }
 
+// Keys are short; calling memcmp costs more than comparing them.
+bool SameBytes(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  if (a.size() > 16) return std::memcmp(a.data(), b.data(), a.size()) == 0;
+  if (a.size() < 8) return LoadBytes(a.data(), a.size()) == LoadBytes(b.data(), b.size());
+  const std::size_t last = a.size() - 8;
+  return LoadWord(a.data()) == LoadWord(b.data()) && LoadWord(a.data() + last) == LoadWord(b.data() + last);
+}
+
 // A text that a number is written like has the number's hash, because it equals the number. Keys are short: a
 // word at a time beats a hash for long texts.
 std::size_t Combine(std::size_t hash, std::string_view text) {
@@ -170,18 +179,14 @@ void ResultSet::Complete() const {
   }
 }
 
-ResultSet::Place ResultSet::PlaceOf(int row, int column) const {
-  const auto row_index = static_cast<std::size_t>(row);
-  const auto column_index = static_cast<std::size_t>(column);
-  if (row >= 0 && row_index >= row_count_ && has_more_rows_) return Rest(Missing::kRows).PlaceOf(row, column);
-  if (row < 0 || row_index >= row_count_ || column < 0 || column >= ColumnCount()) {
+ResultSet::Place ResultSet::PlaceElsewhere(int row, int column) const {
+  const bool is_here = row >= 0 && static_cast<std::size_t>(row) < row_count_;
+  if (row >= 0 && !is_here && has_more_rows_) return Rest(Missing::kRows).PlaceOf(row, column);
+  if (!is_here || column < 0 || column >= ColumnCount()) {
     throw std::out_of_range("the result has no row " + std::to_string(row) + " or no column " +
                             std::to_string(column));
   }
-  if (places_ == nullptr) return {this, row_index, column_index};
-  const int place = (*places_)[column_index];
-  if (place < 0) return Rest(Missing::kColumns).PlaceOf(row, column);
-  return {this, row_index, static_cast<std::size_t>(place)};
+  return Rest(Missing::kColumns).PlaceOf(row, column);
 }
 
 bool ResultSet::IsNull(int row, int column) const {
@@ -262,20 +267,24 @@ std::string ResultSet::AsBytes(int row, int column) const {
 int ResultSet::Find(std::span<const int> columns, std::span<const KeyView> keys) const {
   if (columns.size() != keys.size() || columns.empty())
     throw std::invalid_argument("a search needs one key for each of its columns");
-  if (const Index* const known = KnownIndex(columns)) return FindBy(*known, keys);
-  if (has_more_rows_) return Rest(Missing::kRows).Find(columns, keys);
+  return SearchBy(columns).Find(keys);
+}
+
+ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
+  if (const Index* const known = KnownIndex(columns)) return {*this, *known};
+  if (has_more_rows_) return Rest(Missing::kRows).SearchBy(columns);
   Index index;
   index.columns.assign(columns.begin(), columns.end());
   index.places.reserve(columns.size());
   for (const int column : columns) {
     static_cast<void>(ColumnName(column));  // throws for an unknown one
     const int place = places_ == nullptr ? column : (*places_)[static_cast<std::size_t>(column)];
-    if (place < 0) return Rest(Missing::kColumns).Find(columns, keys);
+    if (place < 0) return Rest(Missing::kColumns).SearchBy(columns);
     index.places.push_back(static_cast<std::size_t>(place));
   }
   EnterRows(index);
   bytes_ += index.slots.size() * sizeof(std::uint32_t) + sizeof(Index);
-  return FindBy(*indexes_.emplace_back(std::make_unique<const Index>(std::move(index))), keys);
+  return {*this, *indexes_.emplace_back(std::make_unique<const Index>(std::move(index)))};
 }
 
 const ResultSet::Index* ResultSet::KnownIndex(std::span<const int> columns) const {
@@ -303,7 +312,7 @@ bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> key
       const bool same = value.kind == Kind::kInteger ? static_cast<std::int64_t>(value.bits) == *number
                                                      : WrittenAs(value, *number);
       if (!same) return false;
-    } else if (AsView(value, buffer) != *std::get_if<std::string_view>(&keys[i])) {
+    } else if (!SameBytes(AsView(value, buffer), *std::get_if<std::string_view>(&keys[i]))) {
       return false;
     }
   }

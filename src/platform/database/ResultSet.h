@@ -100,6 +100,9 @@ class ResultSet {
   /// over these columns is built on the first call and kept.
   /// Throws std::invalid_argument when there are not as many keys as columns.
   int Find(std::span<const int> columns, std::span<const KeyView> keys) const;
+  class Search;
+  /// The same for one search after the other: its Find takes the keys. Valid as long as this result.
+  Search SearchBy(std::span<const int> columns) const;
 
   /// About how much memory the result takes, with its indexes and what was fetched later.
   std::size_t Bytes() const { return bytes_ + (rest_ == nullptr ? 0 : rest_->Bytes()); }
@@ -139,7 +142,17 @@ class ResultSet {
 
   explicit ResultSet(std::shared_ptr<const ResultColumns> columns);
 
-  Place PlaceOf(int row, int column) const;
+  Place PlaceOf(int row, int column) const {
+    const auto row_index = static_cast<std::size_t>(row);
+    const auto column_index = static_cast<std::size_t>(column);
+    const bool inside = row_index < row_count_ && column_index < static_cast<std::size_t>(ColumnCount());
+    if (!inside) return PlaceElsewhere(row, column);
+    if (places_ == nullptr) return {this, row_index, column_index};
+    const int place = (*places_)[column_index];
+    if (place < 0) return PlaceElsewhere(row, column);
+    return {this, row_index, static_cast<std::size_t>(place)};
+  }
+  Place PlaceElsewhere(int row, int column) const;
   const ResultSet& Rest(Missing missing) const;
   struct Row {
     const Kind* kinds;
@@ -184,6 +197,19 @@ class ResultSet {
   std::string text_;
   mutable std::vector<std::unique_ptr<const Index>> indexes_;
   mutable std::size_t bytes_ = 0;
+};
+
+class ResultSet::Search {
+ public:
+  Search() = default;
+  int Find(std::span<const KeyView> keys) const { return result_->FindBy(*index_, keys); }
+
+ private:
+  friend class ResultSet;
+  Search(const ResultSet& result, const Index& index) : result_(&result), index_(&index) {}
+
+  const ResultSet* result_ = nullptr;
+  const Index* index_ = nullptr;
 };
 
 /// Fills a result set, row by row and column by column from the left.
