@@ -167,7 +167,7 @@ bool BandedFrame::PrintMainInfoColumn(int band_row) {
     column.field_type = core_->CalcFields->GetFieldType();
   }
   cells_.WriteField(column.field_type, column.component, *core_->CurEmpCoyBasisQry, band_row, current_col_);
-  return cells_.Format(column.scheme, band_row, current_col_, where);
+  return cells_.Format(column, band_row, current_col_, where);
 }
 
 void BandedFrame::ReadMainColumns() {

@@ -108,8 +108,7 @@ bool BExcelExpEngAccumulatedListRpt::PrintAnalysisColumn(const ColumnWalk& walk,
   if (!IsNumeric(value) || result.single) {
     PrintItemValue(walk, item_type, result.found, value);
   } else {
-    cells_.WriteNumber(current_row_, current_col_, result.sum);
-    cells_.WriteAmountFormat(current_row_, current_col_);
+    cells_.WriteAmount(current_row_, current_col_, result.sum);
   }
   return true;
 }

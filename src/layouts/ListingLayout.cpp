@@ -70,7 +70,7 @@ bool ListingLayout::PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, c
       cells_.WriteText(current_row_, col, "");
     }
   }
-  if (!cells_.Format(item.scheme, current_row_, WalkCol(walk), where)) return false;
+  if (!cells_.Format(item, current_row_, WalkCol(walk), where)) return false;
   ++current_col_;
   return true;
 }
@@ -95,14 +95,13 @@ bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& i
                              *item.value);
 }
 
-bool ListingLayout::PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item,
-                                  const OperationName& where) {
+bool ListingLayout::PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where) {
   if (!OpenAllItems(item.grouping, where)) return false;
   if (AllFormulaQry.RowCount() == 0) WarnNoItems(item.grouping, NoItemsPrefix());
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {
     if (!PrintAnalysisColumn(walk, Text(AllFormulaQry, "AnlysItemDesc"), Text(AllFormulaQry, "AnlysItem1Id"),
                              item.grouping, *item.value) ||
-        !cells_.Format(item.scheme, current_row_, WalkCol(walk), where)) {
+        !cells_.Format(item, current_row_, WalkCol(walk), where)) {
       return false;
     }
     ++current_col_;

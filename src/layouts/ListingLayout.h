@@ -84,7 +84,7 @@ class ListingLayout : public FinancialLayout {
   }
   bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
   bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
-  bool PrintAllItems(const ColumnWalk& walk, const KnownColumnItem& item, const OperationName& where);
+  bool PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
   bool IsTitled(const ColumnWalk& walk) const;
 
   std::shared_ptr<std::vector<KnownColumnItem>> items_;  // of the rows of FinanceColItemQry

@@ -74,6 +74,16 @@ bool CellPrinter::Format(const std::string& scheme_id, int row, int column, cons
   return false;
 }
 
+bool CellPrinter::Format(KnownColumnItem& item, int row, int column, const OperationName& where) {
+  if (item.style) {
+    core_->ExcelAPI->ApplyStyle(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, *item.style);
+    return true;
+  }
+  if (!Format(item.scheme, row, column, where)) return false;
+  if (const PreparedStyle* const style = chosen_->Find(item.scheme)) item.style = *style;
+  return true;
+}
+
 bool CellPrinter::FormatAsTitle(int row, int column, const OperationName& where) {
   return Format(core_->ExcelWkSheetTitleColourSchemeId, row, column, where);
 }
@@ -125,6 +135,12 @@ void CellPrinter::WriteNumber(int row, int column, double number) {
   core_->ExcelAPI->WriteTableCellNumber(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, number);
 }
 
+void CellPrinter::WriteAmount(int row, int column, double amount) {
+  RequireColumn(column);
+  core_->ExcelAPI->WriteTableCellAmount(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column, amount,
+                                        core_->NumberFormat);
+}
+
 void CellPrinter::WriteAmountFormat(int row, int column) {
   core_->ExcelAPI->NumberFormatOnCell(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column,
                                       core_->NumberFormat);
@@ -165,8 +181,7 @@ void CellPrinter::WriteAnalysisValue(const Query& records, const std::string& co
     WriteNumber(row, col, field.AsInteger());
     WriteIntegerFormat(row, col, style);
   } else if (type == "double" || type == "decimal") {
-    WriteNumber(row, col, field.AsFloat());
-    WriteAmountFormat(row, col);
+    WriteAmount(row, col, field.AsFloat());
   } else if (type == "date") {
     WriteText(row, col, FGetInValidDate(FormatDateTime("dd/mm/yyyy", field.AsDateTime())));
   } else if (type == "time") {

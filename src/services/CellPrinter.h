@@ -37,6 +37,8 @@ class CellPrinter {
   /// Formats the cell by one of the chosen schemes; false when the scheme is not there (logged as
   /// "Unable to locate Colour Scheme Record." unless `where` is empty) or the formatting fails.
   bool Format(const std::string& scheme_id, int row, int column, const OperationName& where);
+  /// By the item's scheme; the item's are the chosen ones.
+  bool Format(KnownColumnItem& item, int row, int column, const OperationName& where);
   bool FormatAsTitle(int row, int column, const OperationName& where);
   /// Formats by the first of the chosen schemes.
   bool FormatAsFirst(int row, int column, const OperationName& where);
@@ -44,6 +46,7 @@ class CellPrinter {
   /// Writing beyond column 256 throws SpreadsheetError: there is no cell name to format by.
   void WriteText(int row, int column, const std::string& text);
   void WriteNumber(int row, int column, double number);
+  void WriteAmount(int row, int column, double amount);
   void WriteAmountFormat(int row, int column);
   /// Where the style has a format for whole numbers.
   void WriteIntegerFormat(int row, int column, const ValueStyle& style);

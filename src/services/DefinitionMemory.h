@@ -66,6 +66,7 @@ struct KnownColumnItem {
   std::string formula;
   std::string field_type;  ///< of an entity's field, once it was searched
   std::shared_ptr<SchemeSet> schemes;
+  std::optional<PreparedStyle> style;  ///< of its scheme, once a cell was formatted by it
   std::optional<ValueColumn> value;
 };
 

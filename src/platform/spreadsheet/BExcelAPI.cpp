@@ -24,6 +24,16 @@ struct Target {
   CellRange range;
 };
 
+/// One cell, which most operations are about.
+struct Place {
+  Workbook& workbook;
+  Sheet& sheet;
+  int row;
+  int column;
+
+  CellRange Range() const { return {row, column, row, column}; }
+};
+
 Workbook& Open(const Handle& workbook) {
   if (workbook.IsEmpty()) throw SpreadsheetError("There is no open workbook behind the handle.");
   return *workbook.Get();
@@ -44,14 +54,17 @@ Target Locate(const Handle& handle, const std::string& sheet_name, const std::st
   return {workbook, sheet, *range};
 }
 
-Target Locate(const Handle& handle, const std::string& sheet_name, int row, int column) {
+[[noreturn]] void FailNoCell(const std::string& sheet_name, int row, int column) {
+  throw SpreadsheetError("Sheet \"" + sheet_name + "\": there is no cell in row " + std::to_string(row) +
+                         ", column " + std::to_string(column) + ".");
+}
+
+Place Locate(const Handle& handle, const std::string& sheet_name, int row, int column) {
   Workbook& workbook = Open(handle);
   Sheet& sheet = SheetOf(workbook, sheet_name);
-  if (row < 1 || row > Workbook::kMaxRows || column < 1 || column > Workbook::kMaxColumns) {
-    throw SpreadsheetError("Sheet \"" + sheet_name + "\": there is no cell in row " + std::to_string(row) +
-                           ", column " + std::to_string(column) + ".");
-  }
-  return {workbook, sheet, {row, column, row, column}};
+  if (row < 1 || row > Workbook::kMaxRows || column < 1 || column > Workbook::kMaxColumns)
+    FailNoCell(sheet_name, row, column);
+  return {workbook, sheet, row, column};
 }
 
 template <typename Action>
@@ -75,9 +88,9 @@ void ChangeFormat(const Target& target, const FormatChange& change) {
   });
 }
 
-void ChangeCellFormat(const Target& target, const FormatChange& change) {
-  Cell& cell = target.sheet.At(target.range.first_row, target.range.first_col);
-  cell.format = target.workbook.ChangedFormat(cell.format, change);
+void ChangeCellFormat(const Place& place, const FormatChange& change) {
+  Cell& cell = place.sheet.At(place.row, place.column);
+  cell.format = place.workbook.ChangedFormat(cell.format, change);
 }
 
 /// The application's constant for "automatic" is our 0.
@@ -87,6 +100,10 @@ double PaletteIndex(double colour) {
 
 [[noreturn]] void Fail(const Target& target, const std::string& what) {
   FailAt(target.sheet.Name(), target.range, what);
+}
+
+[[noreturn]] void Fail(const Place& place, const std::string& what) {
+  FailAt(place.sheet.Name(), place.Range(), what);
 }
 
 /// A value would disappear in a cell that a merge covers.
@@ -100,29 +117,29 @@ void CheckVisible(const Sheet& sheet, int row, int column) {
 }
 
 /// The cell for a new value; its format stays.
-Cell& Emptied(const Target& target) {
-  Cell& cell = target.sheet.At(target.range.first_row, target.range.first_col);
+Cell& Emptied(const Place& place) {
+  Cell& cell = place.sheet.At(place.row, place.column);
   cell.type = CellType::kEmpty;
   return cell;
 }
 
-void PutNumber(const Target& target, double number) {
-  if (!std::isfinite(number)) Fail(target, "the number is not finite.");
-  CheckVisible(target.sheet, target.range.first_row, target.range.first_col);
-  Cell& cell = Emptied(target);
+void PutNumber(const Place& place, double number) {
+  if (!std::isfinite(number)) Fail(place, "the number is not finite.");
+  CheckVisible(place.sheet, place.row, place.column);
+  Cell& cell = Emptied(place);
   cell.type = CellType::kNumber;
   cell.number = number == 0.0 ? 0.0 : number;  // no negative zero: readers disagree on showing "-0"
 }
 
-void PutText(const Target& target, const std::string& text) {
+void PutText(const Place& place, const std::string& text) {
   if (text.empty()) {
-    Emptied(target);
+    Emptied(place);
     return;
   }
-  CheckVisible(target.sheet, target.range.first_row, target.range.first_col);
-  Cell& cell = Emptied(target);
+  CheckVisible(place.sheet, place.row, place.column);
+  Cell& cell = Emptied(place);
   cell.type = CellType::kText;
-  cell.text = target.workbook.InternText(text);
+  cell.text = place.workbook.InternText(text);
 }
 
 double NumberOf(const Variant& value, const Target& target, const char* what) {
@@ -242,13 +259,13 @@ void BExcelAPI::TerminateExcel() {
 
 void BExcelAPI::WriteTableCell(const Handle& workbook, const std::string& sheet, int row, int column,
                                const Variant& value) {
-  const Target target = Locate(workbook, sheet, row, column);
+  const Place place = Locate(workbook, sheet, row, column);
   if (const std::string* text = std::get_if<std::string>(&value)) {
-    PutText(target, *text);
+    PutText(place, *text);
   } else if (std::holds_alternative<std::monostate>(value)) {
-    Emptied(target);
+    Emptied(place);
   } else {
-    PutNumber(target, NumberOf(value, target, "value"));
+    PutNumber(place, NumberOf(value, {place.workbook, place.sheet, place.Range()}, "value"));
   }
 }
 
@@ -366,16 +383,23 @@ PreparedStyle BExcelAPI::PrepareStyle(const Handle& workbook, const CellStyle& s
 
 void BExcelAPI::ApplyStyle(const Handle& workbook, const std::string& sheet, int row, int column,
                            const PreparedStyle& style) {
-  const Target target = Locate(workbook, sheet, row, column);
-  ChangeCellFormat(target, FormatChange::All(style.changes));
-  target.sheet.SetColumnWidth(column, style.column_width);
-  target.sheet.SetRowHeight(row, style.row_height);
+  const Place place = Locate(workbook, sheet, row, column);
+  ChangeCellFormat(place, FormatChange::All(style.changes));
+  place.sheet.SetColumnWidth(column, style.column_width);
+  place.sheet.SetRowHeight(row, style.row_height);
+}
+
+void BExcelAPI::WriteTableCellAmount(const Handle& workbook, const std::string& sheet, int row, int column,
+                                     double amount, const std::string& number_format) {
+  const Place place = Locate(workbook, sheet, row, column);
+  PutNumber(place, amount);
+  ChangeCellFormat(place, FormatChange::Number(place.workbook.InternName(number_format)));
 }
 
 void BExcelAPI::NumberFormatOnCell(const Handle& workbook, const std::string& sheet, int row, int column,
                                    const std::string& format) {
-  const Target target = Locate(workbook, sheet, row, column);
-  ChangeCellFormat(target, FormatChange::Number(target.workbook.InternName(format)));
+  const Place place = Locate(workbook, sheet, row, column);
+  ChangeCellFormat(place, FormatChange::Number(place.workbook.InternName(format)));
 }
 
 }  // namespace excelexp

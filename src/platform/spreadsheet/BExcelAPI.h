@@ -107,11 +107,14 @@ class BExcelAPI {
   virtual void SetRowHeight(const Handle& workbook, const std::string& sheet, const std::string& range,
                             const Variant& height);
 
-  /// The seven operations above as one, for one cell at a time, and the number format of one cell: what a
-  /// report of many cells does most. A style must be one whose operations were accepted one by one before.
+  /// The seven operations above as one, for one cell at a time, a number with its format, and the number
+  /// format of one cell: what a report of many cells does most. A style must be one whose operations were
+  /// accepted one by one before.
   virtual PreparedStyle PrepareStyle(const Handle& workbook, const CellStyle& style);
   virtual void ApplyStyle(const Handle& workbook, const std::string& sheet, int row, int column,
                           const PreparedStyle& style);
+  virtual void WriteTableCellAmount(const Handle& workbook, const std::string& sheet, int row, int column,
+                                    double amount, const std::string& number_format);
   virtual void NumberFormatOnCell(const Handle& workbook, const std::string& sheet, int row, int column,
                                   const std::string& format);
 

@@ -75,12 +75,4 @@ void FormatChange::Apply(CellFormat& format, const Workbook& workbook) const {
   }
 }
 
-std::size_t FormatChange::Hash() const {
-  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
-  const std::uint64_t parts = static_cast<std::uint64_t>(value) * kOdd +
-                              (std::uint64_t{name} << 8 | static_cast<std::uint64_t>(property));
-  const std::uint64_t mixed = parts * kOdd;
-  return mixed ^ mixed >> 32;
-}
-
 }  // namespace excelexp

@@ -35,7 +35,13 @@ struct FormatChange {
   static FormatChange Centred(bool centred) { return {Property::kCentred, 0, centred}; }
 
   void Apply(CellFormat& format, const Workbook& workbook) const;
-  std::size_t Hash() const;
+  std::size_t Hash() const {
+    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+    const std::uint64_t parts = static_cast<std::uint64_t>(value) * kOdd +
+                                (std::uint64_t{name} << 8 | static_cast<std::uint64_t>(property));
+    const std::uint64_t mixed = parts * kOdd;
+    return mixed ^ mixed >> 32;
+  }
   friend bool operator==(const FormatChange&, const FormatChange&) = default;
 
   Property property = Property::kFont;

@@ -104,11 +104,6 @@ std::optional<std::size_t> Sheet::FirstOverlap(const CellRange& range, std::size
   return first;
 }
 
-void Sheet::Sizes::Set(int number, double size) {
-  if (number > Last()) sizes_.resize(static_cast<std::size_t>(number), -1.0);
-  sizes_[Index(number)] = size;
-}
-
 /// What a change made of a format, in the slot of its hash until another one takes the slot.
 struct Transition {
   static constexpr std::size_t kSlots = 1024;  ///< 24 KB; a report uses some dozens

@@ -166,7 +166,10 @@ class Sheet {
     int Last() const { return static_cast<int>(sizes_.size()); }
     double Size(int number) const { return IsSet(number) ? sizes_[Index(number)] : 0.0; }
     bool Hidden(int number) const { return IsSet(number) && sizes_[Index(number)] == 0.0; }
-    void Set(int number, double size);
+    void Set(int number, double size) {
+      if (number > Last()) sizes_.resize(static_cast<std::size_t>(number), -1.0);
+      sizes_[Index(number)] = size;
+    }
 
    private:
     static std::size_t Index(int number) { return static_cast<std::size_t>(number - 1); }
