@@ -447,7 +447,7 @@ CREATE TABLE Employee (
   WorkStartTime time,
   RecordUpdated timestamp
 );
-CREATE INDEX EmployeeOfPersonal ON Employee (PersonalSysId);
+CREATE INDEX EmployeeOfPersonal ON Employee (PersonalSysId, HireDate);
 CREATE INDEX EmployeeOfCompany ON Employee (CompanyId, DepartmentId, SectionId);
 CREATE INDEX EmployeeOfDepartment ON Employee (DepartmentId, SectionId);
 

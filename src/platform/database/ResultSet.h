@@ -238,6 +238,7 @@ class ResultSetBuilder {
   /// The same value as in another result, one that is complete.
   void AddFrom(const ResultSet& source, int row, int column);
 
+  std::size_t RowCount() const { return result_->row_count_; }
   /// How many columns are to be added to a row.
   std::size_t Width() const { return width_; }
   std::size_t Bytes() const;

@@ -127,6 +127,18 @@ bool IsPlainSelect(const std::vector<SqlToken>& tokens) {
   return true;
 }
 
+/// DISTINCT and maybe sorted, and nothing else.
+bool IsDistinctSelect(const std::vector<SqlToken>& tokens) {
+  constexpr std::array<std::string_view, 9> kOthers = {"with",  "union",  "intersect", "except", "values",
+                                                       "group", "having", "window",    "limit"};
+  if (tokens.size() < 2 || !tokens[0].IsWord("select") || !tokens[1].IsWord("distinct")) return false;
+  int depth = 0;
+  return std::ranges::none_of(tokens, [&](const SqlToken& token) {
+    depth += token.IsMark('(') ? 1 : token.IsMark(')') ? -1 : 0;
+    return depth == 0 && IsOneOf(token, kOthers);
+  });
+}
+
 }  // namespace
 
 SqlShape::SqlShape(std::string_view sql) {
@@ -142,6 +154,11 @@ SqlShape::SqlShape(std::string_view sql) {
   }
   pieces_.emplace_back(sql.substr(copied));
   text_ += pieces_.back();
+  if (IsDistinctSelect(tokens)) {
+    // No value stands before it.
+    without_distinct_ = text_;
+    without_distinct_.erase(tokens[1].begin, tokens[1].text.size());
+  }
 }
 
 bool SqlShape::Matches(std::string_view sql, std::vector<SqlComparand>& values) const {

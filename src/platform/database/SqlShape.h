@@ -31,6 +31,9 @@ class SqlShape {
   /// One select of rows as they are found: not DISTINCT, not sorted, grouped, limited or joined with another
   /// select's rows, and without WITH.
   bool IsPlain() const { return plain_; }
+  /// The statement without its DISTINCT; "" for one that has none, or whose meaning goes beyond the rows it
+  /// finds in other ways.
+  const std::string& WithoutDistinct() const { return without_distinct_; }
 
   /// Replaces `values` by those of a statement of this shape; false, and no values that mean anything, for
   /// any other statement.
@@ -42,6 +45,7 @@ class SqlShape {
   std::vector<std::string> pieces_;  // what stands before, between and behind the values
   std::vector<Kind> kinds_;
   bool plain_ = true;
+  std::string without_distinct_;
 };
 
 /// The text that a comparand stands for.

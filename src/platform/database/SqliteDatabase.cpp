@@ -32,7 +32,7 @@ namespace excelexp {
 namespace {
 
 // Who only wants to know whether there are rows reads no more than these.
-constexpr int kFirstRows = 256;
+constexpr std::size_t kFirstRows = 256;
 constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
@@ -153,7 +153,8 @@ class SqliteDatabase final : public Database {
   std::shared_ptr<const ResultSet> Partial(ResultSetBuilder& builder, const std::string& sql,
                                            bool has_more_rows, std::optional<DateTime> moment);
   std::shared_ptr<const HeldRows> ReadRowsToHold(const HeldTable& table, const RowsToHold& rows);
-  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, bool all_rows, ResultSetBuilder& builder);
+  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most, ResultSetBuilder& builder);
+  std::shared_ptr<const ResultSet> ReadUndistinct(KeptStatement& kept, const std::string& sql);
   std::shared_ptr<const ResultSet> FetchRest(const std::string& sql, ResultSet::Missing missing,
                                              std::optional<DateTime> moment);
   [[noreturn]] void FailSize(const std::string& sql) const;
@@ -266,12 +267,14 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
   const bool asks_moment = kept.whole.traits.is_volatile || kept.whole.traits.calls_stored;
   const std::optional<DateTime> moment = asks_moment ? std::optional(connection_.Moment()) : std::nullopt;
   functions_.SetMetVolatile(false);
+  if (std::shared_ptr<const ResultSet> single = ReadUndistinct(kept, sql)) return single;
   const bool narrow = !reading.all_columns && kept.narrow.statement != nullptr;
   ResultSetBuilder builder =
       narrow ? ResultSetBuilder(kept.columns, kept.narrow.places, static_cast<std::size_t>(kept.narrow.width))
              : ResultSetBuilder(kept.columns);
   sqlite3_stmt* const statement = narrow ? kept.narrow.statement.get() : kept.whole.statement.get();
-  const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows, builder);
+  const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows ? kAllRows : kFirstRows, builder);
+  kept.gave_many = kept.gave_many || builder.RowCount() > 1;
   const bool is_partial = narrow || has_more_rows;
   if (functions_.MetVolatile()) {
     // Read a second time, a function that asks for something volatile may give other values, and other rows.
@@ -283,6 +286,18 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
     }
   }
   return is_partial ? Partial(builder, sql, has_more_rows, moment) : builder.Finish();
+}
+
+/// The one row at most that the statement finds; nullptr when there is no telling, or there are more.
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadUndistinct(KeptStatement& kept, const std::string& sql) {
+  if (kept.undistinct == nullptr) return nullptr;
+  ResultSetBuilder builder(kept.columns);
+  if (ReadRows(kept.undistinct.get(), sql, 1, builder)) {
+    kept.met_volatile = kept.met_volatile || functions_.MetVolatile();
+    return builder.Finish();
+  }
+  kept.undistinct.reset();
+  return nullptr;
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Partial(ResultSetBuilder& builder, const std::string& sql,
@@ -339,19 +354,18 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadJoined(sqlite3_stmt* statem
                                                             const std::string& sql) {
   ResultSetBuilder rows(std::vector<std::string>(static_cast<std::size_t>(sqlite3_column_count(statement))));
   sqlite3_bind_text64(statement, 1, value.data(), value.size(), SQLITE_STATIC, SQLITE_UTF8);
-  ReadRows(statement, sql, true, rows);
+  ReadRows(statement, sql, kAllRows, rows);
   return rows.Finish();
 }
 
 /// False when there are more rows than were wanted.
-bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, bool all_rows,
+bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most,
                               ResultSetBuilder& builder) {
   const Rewinder rewinder(statement);
   const Running running(running_);
   const auto width = static_cast<int>(builder.Width());
-  int rows = 0;
   while (connection_.Step(statement, sql)) {
-    if (!all_rows && ++rows > kFirstRows) return false;
+    if (builder.RowCount() == most) return false;
     builder.BeginRow();
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
     if (builder.Bytes() > options_.max_result_bytes) FailSize(sql);

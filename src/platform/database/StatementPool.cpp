@@ -65,7 +65,15 @@ KeptStatement& StatementPool::Bound(const std::string& sql) {
   Narrow(kept);
   Bind(kept.whole.statement.get(), sql);
   if (kept.narrow.statement != nullptr) Bind(kept.narrow.statement.get(), sql);
+  if (kept.runs == kRunsToLearn) MakeUndistinct(kept);
+  if (kept.undistinct != nullptr) Bind(kept.undistinct.get(), sql);
   return kept;
+}
+
+void StatementPool::MakeUndistinct(KeptStatement& kept) const {
+  const bool pays =
+      !kept.gave_many && !kept.shape.WithoutDistinct().empty() && !kept.whole.traits.is_volatile;
+  if (pays) kept.undistinct = compile_(kept.shape.WithoutDistinct(), kept.shape.WithoutDistinct()).statement;
 }
 
 void StatementPool::Keep(const std::string& sql) {

@@ -31,6 +31,10 @@ struct KeptStatement {
   bool met_volatile = false;  ///< one of its functions asked for something volatile
   bool may_narrow = true;
   NarrowStatement narrow = {};
+  bool gave_many = false;  ///< more than one row
+  /// The same without DISTINCT, for as long as it finds one row at most: to see that rows differ, the
+  /// database makes a table of them each time.
+  SqliteStatement undistinct = {};
   /// How rows held in memory answer it; no pointer when they do not, nothing before that was looked for.
   std::optional<std::unique_ptr<HeldSelect>> held = {};
 };
@@ -52,6 +56,7 @@ class StatementPool {
   void Keep(const std::string& sql);
   void Bind(sqlite3_stmt* statement, const std::string& sql) const;
   void Narrow(KeptStatement& kept);
+  void MakeUndistinct(KeptStatement& kept) const;
 
   SqliteConnection& connection_;
   SqliteGuard& guard_;
