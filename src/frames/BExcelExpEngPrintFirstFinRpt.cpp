@@ -5,6 +5,7 @@
 #include "engine/DefinitionTables.h"
 #include "frames/LayoutTable.h"
 #include "platform/database/SqlText.h"
+#include "platform/host/Format.h"
 #include "services/BExcelExpEngCalcFields.h"
 #include "services/Population.h"
 
@@ -257,8 +258,8 @@ bool BExcelExpEngPrintFirstFinRpt::EntitySql(std::string& sql) {
     return true;
   }
   if (level != summary_level::kBasis) {
-    sql = SqlOf({"SELECT *, ", core_->CalcFields->GetAllSelectList(1),
-                 " FROM Employee Join Personal WHERE EmployeeSysId = ", basis_id("Basis1Id")});
+    sql = Joined({"SELECT *, ", core_->CalcFields->GetAllSelectList(1),
+                  " FROM Employee Join Personal WHERE EmployeeSysId = ", basis_id("Basis1Id")});
     return true;
   }
   std::string conditions;

@@ -2,6 +2,7 @@
 
 #include "engine/DefinitionTables.h"
 #include "platform/database/SqlText.h"
+#include "platform/host/Format.h"
 #include "services/BExcelExpEngCalcFields.h"
 
 namespace excelexp {
@@ -199,9 +200,9 @@ bool BandedFrame::PrintFinancialRpt(const std::string& report_id) {
   core_->WriteBanner(Memo::kInternal, {"     FINANCIAL REPORT PRINTING PROCESSING       "});
   static const std::string gap(10, ' ');
   if (!core_->ExecuteSQL(
-          SqlOf({"SELECT LayoutSchemeId, CycleMethod  FROM", gap, "FinancialRpt JOIN AnlysProject ON", gap,
-                 "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId", gap,
-                 "WHERE FinancialRptId = ", SqlText(report_id)}))) {
+          Joined({"SELECT LayoutSchemeId, CycleMethod  FROM", gap, "FinancialRpt JOIN AnlysProject ON", gap,
+                  "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId", gap,
+                  "WHERE FinancialRptId = ", SqlText(report_id)}))) {
     return Fail("PrintFinancialRpt", "Error in getting the financial report layout scheme.");
   }
   if (core_->SQLQry->RowCount() == 0) {

@@ -5,6 +5,7 @@
 
 #include "engine/DefinitionTables.h"
 #include "platform/database/SqlText.h"
+#include "platform/host/Format.h"
 
 namespace excelexp {
 namespace {
@@ -32,19 +33,17 @@ bool Fits(AsOfDate condition, std::string_view cycle_method) {
 }
 
 std::string SummingFormula(SumRule rule, const std::string& first_cell, const std::string& ranges) {
-  const std::string sum = "SUM(" + ranges + ")";
-  const auto has_format = [&](std::string_view format) {
-    return "CELL(\"format\"," + first_cell + ")=\"" + std::string(format) + "\"";
-  };
+  constexpr std::string_view kFormatOf = "CELL(\"format\",";
   switch (rule) {
     case SumRule::kAmounts:
-      return "=IF(OR(" + has_format(",2") + ", " + has_format(",0") + ")," + sum + ", \"\")";
+      return Joined({"=IF(OR(", kFormatOf, first_cell, ")=\",2\", ", kFormatOf, first_cell, ")=\",0\"),SUM(",
+                     ranges, "), \"\")"});
     case SumRule::kTwoDecimals:
-      return "=IF(" + has_format(",2") + "," + sum + ", \"\")";
+      return Joined({"=IF(", kFormatOf, first_cell, ")=\",2\",SUM(", ranges, "), \"\")"});
     case SumRule::kAlways:
       break;
   }
-  return "=" + sum;
+  return Joined({"=SUM(", ranges, ")"});
 }
 
 FrameTotals::FrameTotals(BExcelExpEngCore* core, const FrameTraits& traits, std::vector<WkSheetItem>& items)

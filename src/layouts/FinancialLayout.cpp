@@ -3,6 +3,7 @@
 #include "engine/DefinitionTables.h"
 #include "platform/database/SqlText.h"
 #include "platform/host/CommonLibrary.h"
+#include "platform/host/Format.h"
 #include "services/BExcelExpEngCalcFields.h"
 #include "services/BankPayments.h"
 
@@ -41,7 +42,7 @@ bool FinancialLayout::Fail(const OperationName& where, std::string_view text) {
 bool FinancialLayout::ReadReport() {
   const OperationName where = Where("ExecuteOperation");
   if (!core_->ExecuteSQL(
-          SqlOf({"SELECT * FROM FinancialRpt WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId)}))) {
+          Joined({"SELECT * FROM FinancialRpt WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId)}))) {
     return Fail(where, "Error in getting Financial Report Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Financial Report Information.");
@@ -52,7 +53,7 @@ bool FinancialLayout::ReadReport() {
 bool FinancialLayout::ReadProject() {
   const OperationName where = Where("ExecuteOperation");
   if (!core_->ExecuteSQL(
-          SqlOf({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
+          Joined({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
     return Fail(where, "Error in getting Analysis Project Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Information.");
@@ -64,7 +65,7 @@ bool FinancialLayout::ReadProject() {
 
 bool FinancialLayout::ReadCycle(const OperationName& where) {
   if (!core_->ExecuteSQL(
-          SqlOf({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
+          Joined({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
     return Fail(where, "Unable to get Analysis Project Details.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
@@ -74,15 +75,15 @@ bool FinancialLayout::ReadCycle(const OperationName& where) {
 }
 
 std::string FinancialLayout::DataCondition() const {
-  return SqlOf({"WHERE AnlysProjectId = ", SqlText(project_id_), kGap,
-                "AND AnlysIPAddress = ", SqlText(core_->DataKey(core_->ExcelWSItemOrdering))});
+  return Joined({"WHERE AnlysProjectId = ", SqlText(project_id_), kGap,
+                 "AND AnlysIPAddress = ", SqlText(core_->DataKey(core_->ExcelWSItemOrdering))});
 }
 
 std::string FinancialLayout::EntityCondition() const {
   const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
   if (company && traits_.records != EntityRecords::kAlwaysAll) return "";
   const auto condition = [this](std::string_view basis) {
-    return SqlOf({kGap, "AND ", basis, " = ", SqlText(Text(*core_->EmpCoyBasisQry, basis))});
+    return Joined({kGap, "AND ", basis, " = ", SqlText(Text(*core_->EmpCoyBasisQry, basis))});
   };
   const bool first_only =
       traits_.records == EntityRecords::kByLevel && core_->ExcelWkSheetRptSumLvl == summary_level::kEmployee;
@@ -92,20 +93,20 @@ std::string FinancialLayout::EntityCondition() const {
 
 bool FinancialLayout::OpenRecords() {
   return core_->OpenOrLog(AnlysItemRecQry,
-                          SqlOf({"SELECT * FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup",
-                                 kGap, DataCondition(), EntityCondition()}),
+                          Joined({"SELECT * FROM AnlysItemRecord JOIN AnlysDispSection JOIN AnlysItemSetup",
+                                  kGap, DataCondition(), EntityCondition()}),
                           Where(traits_.records_operation), "AnlysItemRecQry", Rows::kOptional);
 }
 
 std::string FinancialLayout::ChosenPeriodsSql() const {
   static const std::string gap(36, ' ');
-  return SqlOf({"SELECT * FROM ExcelWSItemRptLayout", gap, "WHERE WkSheetItemSysId = ",
-                std::to_string(core_->ExcelWSItemSysId), gap, "ORDER BY WSRptLayoutOrder"});
+  return Joined({"SELECT * FROM ExcelWSItemRptLayout", gap, "WHERE WkSheetItemSysId = ",
+                 std::to_string(core_->ExcelWSItemSysId), gap, "ORDER BY WSRptLayoutOrder"});
 }
 
 std::string FinancialLayout::DataPeriodsSql() const {
   static const std::string gap(42, ' ');
-  return SqlOf(
+  return Joined(
       {"SELECT DISTINCT AnlysItemRecYear AS WSRptLayoutYear,", gap,
        "AnlysItemRecPeriodMonth AS WSRptLayoutMthPeriod,", gap,
        "AnlysItemRecSubPeriod AS WSRptLayoutSubPeriod,", gap, "AnlysPayRecBasis AS WSRptLayoutPayRecIdType",
@@ -129,9 +130,9 @@ bool FinancialLayout::FailNoPeriods() {
 
 std::string FinancialLayout::ColumnItemsSql(std::string_view condition) const {
   static const std::string gap(36, ' ');
-  return SqlOf({"SELECT * FROM FinanceColItem", gap,
-                "WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId), gap,
-                "AND FinColIsRptMainInfo = 0", condition, " ORDER BY FinColItemOrder"});
+  return Joined({"SELECT * FROM FinanceColItem", gap,
+                 "WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId), gap,
+                 "AND FinColIsRptMainInfo = 0", condition, " ORDER BY FinColItemOrder"});
 }
 
 bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -17,16 +16,6 @@ inline std::string SqlText(std::string_view text) {
   }
   literal.append(text).push_back('\'');
   return literal;
-}
-
-/// A statement of its pieces. The long ones are put together for every entity: one text, no copies between.
-inline std::string SqlOf(std::initializer_list<std::string_view> pieces) {
-  std::size_t size = 0;
-  for (const std::string_view piece : pieces) size += piece.size();
-  std::string sql;
-  sql.reserve(size);
-  for (const std::string_view piece : pieces) sql += piece;
-  return sql;
 }
 
 }  // namespace excelexp

@@ -211,6 +211,15 @@ std::string FloatToText(double value) {
   return {buffer.data(), result.ptr};
 }
 
+std::string Joined(std::initializer_list<std::string_view> pieces) {
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  std::string text;
+  text.reserve(size);
+  for (const std::string_view piece : pieces) text += piece;
+  return text;
+}
+
 std::string ShortDateFormat() {
   return ShortDatePattern();
 }

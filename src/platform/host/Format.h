@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,9 @@ std::string FormatFloat(std::string_view pattern, double value);
 /// The shortest decimal text that reads back as the same value, without locale and without exponent between
 /// 1e-5 and 1e15.
 std::string FloatToText(double value);
+
+/// The pieces as one text, put together in one go.
+std::string Joined(std::initializer_list<std::string_view> pieces);
 
 /// The process-wide short date format: how a date becomes text where no pattern is given.
 std::string ShortDateFormat();
