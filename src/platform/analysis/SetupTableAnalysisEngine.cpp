@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/Names.h"
 #include "platform/database/ResultSet.h"
 #include "platform/database/SqlText.h"
 #include "platform/database/SqlTokens.h"
@@ -91,8 +92,22 @@ void SetupTableAnalysisEngine::DeleteOperation() {
   database_->ReleaseRows(kAnalysisRecordTable, AnalysisRecordKey(request_));
 }
 
+/// The rows of the period range, with the columns that a record has too.
 std::string SetupTableAnalysisEngine::SelectOfSetup() const {
-  return "SELECT * FROM " + QuoteName(SetupName()) + " WHERE " + Condition(RangeOf(request_));
+  const std::string setup = QuoteName(SetupName());
+  const auto none_of = [this](const std::string& table) {
+    return database_->Select("SELECT * FROM " + table + " LIMIT 0");
+  };
+  const std::shared_ptr<const ResultSet> record = none_of(kAnalysisRecordTable);
+  const std::shared_ptr<const ResultSet> figures = none_of(setup);
+  std::string columns;
+  for (int i = 0; i < record->ColumnCount(); ++i) {
+    const std::string& name = record->ColumnName(i);
+    const bool is_key = SameName(name, "AnlysProjectId") || SameName(name, "AnlysIPAddress");
+    if (is_key || figures->ColumnIndex(name) < 0) continue;
+    columns += (columns.empty() ? "" : ", ") + QuoteName(name);
+  }
+  return "SELECT " + columns + " FROM " + setup + " WHERE " + Condition(RangeOf(request_));
 }
 
 /// The setup's name as it was declared.

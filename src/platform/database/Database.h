@@ -23,8 +23,8 @@ struct RowsToHold {
   std::string table;               ///< a table of the database: its columns, types and defaults hold
   Key key;                         ///< replaces what is held under it
   std::vector<std::string> order;  ///< by which columns the rows are found and sorted
-  std::string select;     ///< where they come from: columns by name; those the table lacks are left out
-  Restriction only = {};  ///< an empty column restricts nothing
+  std::string select;              ///< where they come from; gives columns of the table by name
+  Restriction only = {};           ///< an empty column restricts nothing
 };
 
 /// A read-only connection to one database, whatever its kind. Used from one thread.

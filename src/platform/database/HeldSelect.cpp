@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <limits>
+#include <ranges>
 #include <utility>
 
 #include "platform/database/HeldTables.h"
@@ -37,13 +39,6 @@ void Add(const HeldValue& value, ResultSetBuilder& builder) {
       return builder.AddBlob(value.bytes);
   }
 }
-
-/// Where a column of a result comes from, and which value its last row has.
-struct WantedColumn {
-  const HeldColumn* held;
-  int joined;
-  HeldColumn::Code above = 0;
-};
 
 std::string_view OriginOf(const char* name) {
   return name == nullptr ? std::string_view() : std::string_view(name);
@@ -105,8 +100,7 @@ bool HeldSelect::TakeConditions(std::span<const SqlToken> tokens, const std::vec
     return static_cast<int>(std::ranges::find(conditions_, column) - conditions_.begin());
   };
   for (const int column : table_->KeyColumns()) {
-    if (!IsOneOf(conditions_, column) || !values[static_cast<std::size_t>(place_of(column))].is_text)
-      return false;
+    if (!IsOneOf(conditions_, column)) return false;
     key_places_.push_back(place_of(column));
   }
   for (const int column : table_->OrderColumns()) {
@@ -152,7 +146,12 @@ bool HeldSelect::CompileJoined(const Compile& compile) {
   sql +=
       " WHERE " + QuoteName(joined_tables_.front()->name) + "." + QuoteName(target_) + " = ?1 COLLATE BINARY";
   joined_ = compile(sql);
-  return true;
+  // A view's columns come from other tables, or are computed.
+  return std::ranges::all_of(std::views::iota(0, sqlite3_column_count(joined_.statement.get())), [&](int i) {
+    const std::string_view origin = OriginOf(sqlite3_column_table_name(joined_.statement.get(), i));
+    return std::ranges::any_of(joined_tables_,
+                               [&](const TableShape* table) { return SameName(table->name, origin); });
+  });
 }
 
 bool HeldSelect::TakeColumns(sqlite3_stmt* whole) {
@@ -201,49 +200,54 @@ HeldSelect::Found HeldSelect::Find(const std::vector<SqlComparand>& values, std:
 
 bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const int> wanted,
                          std::uint64_t generation, const ReadOne& read, ResultSetBuilder& builder) {
-  if (found.rows != joined_rows_ || generation != joined_generation_) {
+  if (count == 0) return true;
+  const HeldColumn* const reference = reference_ < 0 ? nullptr : &found.rows->Column(reference_);
+  if (reference != nullptr && !reference->HasCodes()) return false;
+  if (found.rows != joined_rows_.lock() || generation != joined_generation_) {
     joined_rows_ = found.rows;
     joined_generation_ = generation;
     joined_results_.clear();
   }
-  if (found.rows == nullptr) return true;
-  if (reference_ >= 0 && !found.rows->Column(reference_).HasCodes()) return false;
-  std::vector<WantedColumn> columns;
-  columns.reserve(wanted.size());
-  for (const int column : wanted) {
-    const Source& source = sources_[static_cast<std::size_t>(column)];
-    columns.push_back({source.held < 0 ? nullptr : &found.rows->Column(source.held), source.joined});
-  }
+  constexpr HeldColumn::Code kNone = std::numeric_limits<HeldColumn::Code>::max();
+  std::vector<HeldColumn::Code> above(wanted.size(), kNone);  // codes in the row above
   const ResultSet* joined_above = nullptr;
+  bool has_rows = false;
   for (const std::size_t row : std::span(found.places).first(count)) {
-    const ResultSet* joined = nullptr;
-    if (reference_ >= 0) {
-      joined = &Joined(found.rows->Column(reference_).CodeAt(row), read);
-      if (joined->RowCount() > 1) return false;
-      if (joined->IsEmpty()) continue;
-    }
-    const bool has_above = !builder.BeginRow();
-    for (WantedColumn& column : columns) {
-      if (column.held == nullptr) {
-        has_above&& joined == joined_above ? builder.AddSame() : builder.AddFrom(*joined, 0, column.joined);
-      } else if (!column.held->HasCodes()) {
-        Add(column.held->At(row), builder);
-      } else {
-        const HeldColumn::Code code = column.held->CodeAt(row);
-        has_above&& code == column.above ? builder.AddSame() : Add(column.held->ValueOf(code), builder);
-        column.above = code;
+    const ResultSet* const joined =
+        reference == nullptr ? nullptr : &Joined(*reference, reference->CodeAt(row), read);
+    const int matches = joined == nullptr ? 1 : joined->RowCount();
+    for (int match = 0; match < matches; ++match) {
+      // A block of rows of a result begins anew: there is no row above.
+      const bool begins = builder.BeginRow();
+      const bool joins_the_same = !begins && matches == 1 && joined == joined_above;
+      for (std::size_t i = 0; i < wanted.size(); ++i) {
+        const Source& source = sources_[static_cast<std::size_t>(wanted[i])];
+        if (source.held < 0) {
+          joins_the_same ? builder.AddSame() : builder.AddFrom(*joined, match, source.joined);
+          continue;
+        }
+        const HeldColumn& column = found.rows->Column(source.held);
+        const HeldColumn::Code code = column.HasCodes() ? column.CodeAt(row) : kNone;
+        const bool is_same = !begins && code != kNone && code == above[i];
+        is_same ? builder.AddSame() : Add(column.At(row), builder);
+        above[i] = code;
       }
+      has_rows = true;
     }
     joined_above = joined;
   }
-  return true;
+  return has_rows || count == found.places.size();
 }
 
-const ResultSet& HeldSelect::Joined(HeldColumn::Code code, const ReadOne& read) {
-  const HeldColumn& column = joined_rows_->Column(reference_);
-  if (code >= joined_results_.size()) joined_results_.resize(column.CodeCount());
+const ResultSet& HeldSelect::Joined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read) {
+  if (code >= joined_results_.size()) joined_results_.resize(reference.CodeCount());
   std::shared_ptr<const ResultSet>& joined = joined_results_[code];
-  if (joined == nullptr) joined = read(joined_.statement.get(), column.ValueOf(code).bytes);
+  if (joined == nullptr) {
+    // What is no text equals none: no bytes at all are bound as NULL.
+    const HeldValue value = reference.ValueOf(code);
+    const bool is_text = value.kind == HeldValue::Kind::kText;
+    joined = read(joined_.statement.get(), is_text ? value.bytes : std::string_view());
+  }
   return *joined;
 }
 

@@ -47,9 +47,10 @@ class HeldSelect {
   /// The rows for these values of the conditions, at most `most` and one more.
   Found Find(const std::vector<SqlComparand>& values, std::size_t most) const;
 
-  /// Adds the columns `wanted` (of the statement) of the first `count` rows that have what is joined. Another
-  /// `generation` says that the database may have changed. False, and rows that mean nothing, when something
-  /// is joined more than once.
+  /// Adds the columns `wanted` (of the statement) of the first `count` rows found, as often as they have what
+  /// is joined. Another `generation` says that the database may have changed. False, and rows that mean
+  /// nothing, when the rows have no codes to find what is joined by, or when none of them has it and there
+  /// are more: a result without rows would say that there are none at all.
   bool AddRows(const Found& found, std::size_t count, std::span<const int> wanted, std::uint64_t generation,
                const ReadOne& read, ResultSetBuilder& builder);
 
@@ -64,7 +65,7 @@ class HeldSelect {
   bool TakeReference(const TableShape& held);
   bool CompileJoined(const Compile& compile);
   bool TakeColumns(sqlite3_stmt* whole);
-  const ResultSet& Joined(HeldColumn::Code code, const ReadOne& read);
+  const ResultSet& Joined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read);
 
   const HeldTable* table_ = nullptr;
   std::vector<const TableShape*> joined_tables_;
@@ -77,8 +78,8 @@ class HeldSelect {
   CompiledQuery joined_;
   std::vector<Source> sources_;  // of each column of the statement
 
-  // What is joined, by the code of the reference.
-  std::shared_ptr<const HeldRows> joined_rows_;
+  // What is joined, by the code of the reference in these rows, which go when their key is released.
+  std::weak_ptr<const HeldRows> joined_rows_;
   std::uint64_t joined_generation_ = 0;
   std::vector<std::shared_ptr<const ResultSet>> joined_results_;
 };

@@ -128,7 +128,9 @@ HeldRowsBuilder::HeldRowsBuilder(const HeldTable& table, const HeldTable::Key& k
     if (key_place != table.KeyColumns().end()) {
       column.CodeOf(HeldValue::Text(key[static_cast<std::size_t>(key_place - table.KeyColumns().begin())]));
     } else if (std::ranges::find(given, i) == given.end()) {
-      column.CodeOf(table.Columns()[static_cast<std::size_t>(i)].default_value);
+      const HeldTable::Column& stored = table.Columns()[static_cast<std::size_t>(i)];
+      if (stored.not_null && stored.default_value.kind == HeldValue::Kind::kNull) without_value_ = &stored;
+      column.CodeOf(stored.default_value);
     }
   }
   for (const int place : given) {
@@ -154,15 +156,18 @@ bool HeldRowsBuilder::IsWanted(const HeldValue& value) {
 
 void HeldRowsBuilder::Add(std::span<const HeldValue> values) {
   if (restricted_ >= 0 && !IsWanted(values[static_cast<std::size_t>(restricted_)])) return;
+  if (without_value_ != nullptr) FailNull(*without_value_);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i].kind == HeldValue::Kind::kNull && given_[i].of_table->not_null) {
-      throw DatabaseError("column " + table_.Name() + "." + given_[i].of_table->name +
-                              " takes no NULL, and a row to be held has one",
-                          "");
-    }
+    if (values[i].kind == HeldValue::Kind::kNull && given_[i].of_table->not_null)
+      FailNull(*given_[i].of_table);
     given_[i].column->Add(values[i]);
   }
   ++rows_->row_count_;
+}
+
+void HeldRowsBuilder::FailNull(const HeldTable::Column& column) const {
+  throw DatabaseError(
+      "column " + table_.Name() + "." + column.name + " takes no NULL, and a row to be held has one", "");
 }
 
 std::size_t HeldRowsBuilder::Bytes() const {

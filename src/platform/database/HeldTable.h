@@ -105,7 +105,7 @@ class HeldRowsBuilder {
   void Restrict(std::size_t given, std::vector<std::string> texts);
 
   /// Adds a row of as many values as there are given columns, as the database would store them there. Throws
-  /// DatabaseError for a NULL where the column takes none.
+  /// DatabaseError for a NULL where the column takes none, also where it is the default.
   void Add(std::span<const HeldValue> values);
 
   std::size_t Bytes() const;
@@ -117,11 +117,13 @@ class HeldRowsBuilder {
     const HeldTable::Column* of_table;
   };
   bool IsWanted(const HeldValue& value);
+  [[noreturn]] void FailNull(const HeldTable::Column& column) const;
   void Sort();
 
   const HeldTable& table_;
   std::shared_ptr<HeldRows> rows_;
   std::vector<Given> given_;
+  const HeldTable::Column* without_value_ = nullptr;  // takes no NULL and has no other value
   int restricted_ = -1;
   std::vector<std::string> wanted_texts_;  // sorted
   HeldColumn seen_{HeldColumn::Numbers::kByCode};

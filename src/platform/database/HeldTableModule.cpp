@@ -93,6 +93,8 @@ int Connect(sqlite3* handle, void* tables, int /*count*/, const char* const* arg
     }
     declaration += ")";
     if (sqlite3_declare_vtab(handle, declaration.c_str()) != SQLITE_OK) throw std::bad_alloc();
+    // Views may read it: it shows no more than the stored table would.
+    sqlite3_vtab_config(handle, SQLITE_VTAB_INNOCUOUS);
     auto table = std::make_unique<Table>();
     table->held = held;
     *made = table.release();
@@ -193,13 +195,11 @@ std::string_view TextOf(sqlite3_value* value) {
 }
 
 /// The rows of a key whose leading columns have the values, and maybe others: SQLite checks each condition
-/// again. A number is compared with a text column as a number if it comes from a column of numbers.
+/// again. An integer is compared with a text column as a number if it comes from a column of numbers. A
+/// fraction is not searched for: as a text it has fewer digits.
 std::vector<HeldRows::Range> Narrowed(const HeldRows& rows, sqlite3_value** values, std::size_t count) {
-  if (count > 0) {
-    const int type = sqlite3_value_type(values[0]);
-    if (type == SQLITE_INTEGER || type == SQLITE_FLOAT)
-      return rows.FindNumber(sqlite3_value_double(values[0]));
-  }
+  if (count > 0 && sqlite3_value_type(values[0]) == SQLITE_INTEGER)
+    return rows.FindNumber(sqlite3_value_double(values[0]));
   std::vector<HeldValue> leading;
   for (std::size_t i = 0; i < count && sqlite3_value_type(values[i]) == SQLITE_TEXT; ++i)
     leading.push_back(HeldValue::Text(TextOf(values[i])));

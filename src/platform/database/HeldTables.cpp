@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
 #include "platform/database/DatabaseError.h"
@@ -17,8 +18,8 @@ namespace excelexp {
 namespace {
 
 HeldValue WholeIfPossible(double value) {
-  constexpr double kExact = 2251799813685248.0;  // 2^51, as the database does
-  return std::abs(value) < kExact && value == std::floor(value)
+  constexpr double kBeyond = 9223372036854775808.0;  // 2^63, the first that is no integer of the database
+  return value > -kBeyond && value < kBeyond && value == std::floor(value)
              ? HeldValue::Integer(static_cast<std::int64_t>(value))
              : HeldValue::Float(value);
 }
@@ -50,12 +51,6 @@ HeldValue ValueFor(sqlite3_value* value, Affinity affinity) {
   }
 }
 
-/// A column of a statement whose values are to be held.
-struct Source {
-  int column;
-  Affinity affinity;
-};
-
 std::string TextAt(sqlite3_stmt* row, int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
   return text == nullptr ? std::string() : std::string(text);
@@ -66,6 +61,17 @@ int Place(const std::vector<HeldTable::Column>& columns, const std::string& tabl
       columns, [&](const HeldTable::Column& column) { return SameName(column.name, name); });
   if (found == columns.end()) throw DatabaseError("table " + table + " has no column " + name, "");
   return static_cast<int>(found - columns.begin());
+}
+
+/// The place of a column by whose texts rows are told apart.
+int TextPlace(const std::vector<HeldTable::Column>& columns, const std::string& table,
+              const std::string& name) {
+  const int place = Place(columns, table, name);
+  const HeldTable::Column& column = columns[static_cast<std::size_t>(place)];
+  if (column.affinity == Affinity::kText) return place;
+  throw DatabaseError("column " + table + "." + column.name + " is declared as '" + column.declared_type +
+                          "', and rows to be held are told apart by texts only",
+                      "");
 }
 
 }  // namespace
@@ -82,9 +88,9 @@ HeldTable* HeldTables::Find(std::string_view name) const {
 std::unique_ptr<HeldTable> HeldTables::Describe(const RowsToHold& rows) const {
   std::vector<HeldTable::Column> columns = StoredColumns(rows.table);
   std::vector<int> key;
-  for (const auto& [name, value] : rows.key) key.push_back(Place(columns, rows.table, name));
+  for (const auto& [name, value] : rows.key) key.push_back(TextPlace(columns, rows.table, name));
   std::vector<int> order;
-  for (const std::string& name : rows.order) order.push_back(Place(columns, rows.table, name));
+  for (const std::string& name : rows.order) order.push_back(TextPlace(columns, rows.table, name));
   return std::make_unique<HeldTable>(rows.table, std::move(columns), std::move(key), std::move(order));
 }
 
@@ -92,11 +98,41 @@ void HeldTables::Install(std::unique_ptr<HeldTable> table) {
   const std::string name = table->Name();
   by_name_[FoldName(name)] = std::move(table);
   try {
+    RepeatViewsOver(name);
     connection_.Execute(
         ("CREATE VIRTUAL TABLE temp." + QuoteName(name) + " USING " + kHeldTableModule).c_str());
   } catch (...) {
     by_name_.erase(FoldName(name));
     throw;
+  }
+}
+
+/// A view of the database means the tables of the database. Repeated as a view of the connection, those that
+/// read the table, or such a view, read what is held.
+void HeldTables::RepeatViewsOver(const std::string& table) const {
+  constexpr char kViewsSql[] =
+      "SELECT name, sql FROM main.sqlite_schema WHERE type = 'view' AND name NOT IN (SELECT name FROM "
+      "temp.sqlite_schema)";
+  constexpr std::string_view kBegin = "CREATE VIEW ";  // so the database keeps it, however it was written
+  std::map<std::string, std::string> views;
+  const SqliteStatement rows = connection_.Prepare(kViewsSql, kViewsSql);
+  while (connection_.Step(rows.get(), kViewsSql))
+    views[FoldName(TextAt(rows.get(), 0))] = TextAt(rows.get(), 1);
+  std::set<std::string> hidden = {FoldName(table)};
+  const auto reads_hidden = [&hidden](const auto& view) {
+    return std::ranges::any_of(TokenizeSql(view.second), [&](const SqlToken& token) {
+      return token.IsName() && hidden.contains(FoldName(NameOf(token)));
+    });
+  };
+  for (auto view = views.begin(); view != views.end();) {
+    if (!reads_hidden(*view)) {
+      ++view;
+      continue;
+    }
+    connection_.Execute(("CREATE TEMP VIEW " + view->second.substr(kBegin.size())).c_str());
+    hidden.insert(view->first);
+    views.erase(view);
+    view = views.begin();
   }
 }
 
@@ -107,6 +143,7 @@ std::vector<HeldTable::Column> HeldTables::StoredColumns(const std::string& name
   std::string defaults;
   const SqliteStatement rows = connection_.Prepare(sql, sql);
   while (connection_.Step(rows.get(), sql)) {
+    CheckCollation(name, TextAt(rows.get(), 0));
     columns.push_back({.name = TextAt(rows.get(), 0),
                        .declared_type = TextAt(rows.get(), 1),
                        .affinity = AffinityOf(TextAt(rows.get(), 1)),
@@ -126,40 +163,63 @@ std::vector<HeldTable::Column> HeldTables::StoredColumns(const std::string& name
   return columns;
 }
 
+/// Rows are found and sorted by the bytes of their texts.
+void HeldTables::CheckCollation(const std::string& table, const std::string& column) const {
+  const char* collation = nullptr;
+  const int code = sqlite3_table_column_metadata(connection_.Handle(), "main", table.c_str(), column.c_str(),
+                                                 nullptr, &collation, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) connection_.Fail(code, "");
+  if (SameName(collation, "BINARY")) return;
+  throw DatabaseError("column " + table + "." + column + " has the collation " + collation +
+                          ", and rows to be held are compared byte by byte only",
+                      "");
+}
+
+/// The places of a statement's columns in the table.
+std::vector<int> HeldTables::GivenColumns(const HeldTable& table, sqlite3_stmt* select) {
+  std::vector<int> given;
+  for (int i = 0; i < sqlite3_column_count(select); ++i) {
+    const std::string name = sqlite3_column_name(select, i);
+    const int place = Place(table.Columns(), table.Name(), name);
+    const bool is_key = std::ranges::find(table.KeyColumns(), place) != table.KeyColumns().end();
+    if (is_key || std::ranges::find(given, place) != given.end())
+      throw DatabaseError("the rows to be held have a second value for " + table.Name() + "." + name, "");
+    given.push_back(place);
+  }
+  return given;
+}
+
 std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const RowsToHold& rows,
                                                  sqlite3_stmt* select, std::vector<std::string> texts,
                                                  std::size_t max_bytes) const {
-  constexpr int kRowsBetweenChecks = 4096;
-  std::vector<int> given;
-  std::vector<Source> sources;
-  int restricted = -1;
-  for (int i = 0; i < sqlite3_column_count(select); ++i) {
-    const std::string_view name = sqlite3_column_name(select, i);
-    const int column = table.FindColumn(name);
-    const auto has = [column](const std::vector<int>& columns) {
-      return std::ranges::find(columns, column) != columns.end();
-    };
-    if (column < 0 || has(table.KeyColumns()) || has(given)) continue;
-    if (SameName(name, rows.only.column)) restricted = static_cast<int>(given.size());
-    given.push_back(column);
-    sources.push_back({i, table.Columns()[static_cast<std::size_t>(column)].affinity});
-  }
-  if (restricted < 0 && !rows.only.column.empty())
-    throw DatabaseError("there is no column " + rows.only.column + " to choose rows by", rows.select);
+  constexpr int kRowsBetweenChecks = 256;
+  const std::vector<int> given = GivenColumns(table, select);
   HeldRowsBuilder builder(table, table.KeyOf(rows.key), given);
-  if (restricted >= 0) builder.Restrict(static_cast<std::size_t>(restricted), std::move(texts));
-
-  std::vector<HeldValue> values(sources.size());
-  for (int count = 1; connection_.Step(select, rows.select); ++count) {
-    std::ranges::transform(sources, values.begin(), [select](const Source& source) {
-      return ValueFor(sqlite3_column_value(select, source.column), source.affinity);
-    });
-    builder.Add(values);
-    if (count % kRowsBetweenChecks == 0 && builder.Bytes() > max_bytes) {
-      throw DatabaseError("the rows to be held take more than " + std::to_string(max_bytes) + " bytes",
-                          rows.select);
+  if (!rows.only.column.empty()) {
+    const int column = TextPlace(table.Columns(), table.Name(), rows.only.column);
+    const auto restricted = std::ranges::find(given, column);
+    if (restricted == given.end()) {
+      throw DatabaseError(
+          "the rows to be held lack the column " + rows.only.column + ", by which they are restricted",
+          rows.select);
     }
+    builder.Restrict(static_cast<std::size_t>(restricted - given.begin()), std::move(texts));
   }
+  const auto check_size = [&] {
+    if (builder.Bytes() <= max_bytes) return;
+    throw DatabaseError("the rows to be held take more than " + std::to_string(max_bytes) + " bytes",
+                        rows.select);
+  };
+  std::vector<HeldValue> values(given.size());
+  for (int count = 1; connection_.Step(select, rows.select); ++count) {
+    for (std::size_t i = 0; i < given.size(); ++i) {
+      const HeldTable::Column& column = table.Columns()[static_cast<std::size_t>(given[i])];
+      values[i] = ValueFor(sqlite3_column_value(select, static_cast<int>(i)), column.affinity);
+    }
+    builder.Add(values);
+    if (count % kRowsBetweenChecks == 0) check_size();
+  }
+  check_size();
   return builder.Finish();
 }
 

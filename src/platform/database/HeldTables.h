@@ -33,19 +33,24 @@ class HeldTables {
   HeldTable* Find(std::string_view name) const;
 
   /// The table that the request names, with the columns, types and defaults of the stored one, without rows.
-  /// Throws DatabaseError when there is none, or it lacks a column of the request.
+  /// Throws DatabaseError when there is none, or it lacks a column of the request, or has one by which rows
+  /// are told apart and which does not hold texts, or one that does not compare them byte by byte.
   std::unique_ptr<HeldTable> Describe(const RowsToHold& rows) const;
-  /// From now on statements see it.
+  /// From now on statements see it, and so do the views of the database that read it.
   void Install(std::unique_ptr<HeldTable> table);
 
   /// Reads what a compiled statement selects into rows of the request's key. `texts` are what
-  /// RowsToHold::only allows. Throws DatabaseError, also for a statement without a column of the table, or
-  /// beyond `max_bytes`.
+  /// RowsToHold::only allows. Throws DatabaseError, also for a statement with a column that the table lacks,
+  /// that is given twice, or belongs to the key, for one without the column of RowsToHold::only, and beyond
+  /// `max_bytes`.
   std::shared_ptr<const HeldRows> Read(const HeldTable& table, const RowsToHold& rows, sqlite3_stmt* select,
                                        std::vector<std::string> texts, std::size_t max_bytes) const;
 
  private:
   std::vector<HeldTable::Column> StoredColumns(const std::string& name) const;
+  void RepeatViewsOver(const std::string& table) const;
+  void CheckCollation(const std::string& table, const std::string& column) const;
+  static std::vector<int> GivenColumns(const HeldTable& table, sqlite3_stmt* select);
 
   const SqliteConnection& connection_;
   std::map<std::string, std::unique_ptr<HeldTable>, std::less<>> by_name_;  // folded
