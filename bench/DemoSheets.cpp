@@ -12,17 +12,17 @@ INSERT INTO ExcelSpreadsheet (ExcelSpreadsheetId) SELECT WkSheetName FROM ExcelW
 UPDATE ExcelWkSheet SET ExcelSpreadsheetId = WkSheetName;
 )";
 
-// Forty of each department and cost centre, so that a worksheet of them prints enough cells for its figure to
-// mean something. The descriptions stay, and with them the groups of the breakdown.
+// A hundred and sixty of each department and cost centre, so that a worksheet of them prints enough cells for
+// its figure to mean something. The descriptions stay, and with them the groups of the breakdown.
 constexpr char kManyCodes[] = R"(
 CREATE TEMP TABLE Copy AS
-  WITH RECURSIVE Number (i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM Number WHERE i < 39) SELECT i FROM Number;
+  WITH RECURSIVE Number (i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM Number WHERE i < 159) SELECT i FROM Number;
 INSERT INTO Department SELECT DepartmentId || '-' || i, DepartmentDesc FROM Department JOIN Copy;
 INSERT INTO CostCentre SELECT CostCentreId || '-' || i, CostCentreDesc FROM CostCentre JOIN Copy;
-UPDATE Employee SET DepartmentId = DepartmentId || '-' || (EmployeeSysId % 40);
-UPDATE StaffMovement SET FromDepartmentId = FromDepartmentId || '-' || (EmployeeSysId % 40),
-                         ToDepartmentId = ToDepartmentId || '-' || (EmployeeSysId % 40);
-UPDATE EmployeeCostCentre SET CostCentreId = CostCentreId || '-' || (EmployeeSysId % 40);
+UPDATE Employee SET DepartmentId = DepartmentId || '-' || (EmployeeSysId % 160);
+UPDATE StaffMovement SET FromDepartmentId = FromDepartmentId || '-' || (EmployeeSysId % 160),
+                         ToDepartmentId = ToDepartmentId || '-' || (EmployeeSysId % 160);
+UPDATE EmployeeCostCentre SET CostCentreId = CostCentreId || '-' || (EmployeeSysId % 160);
 DELETE FROM Department WHERE DepartmentId NOT LIKE '%-%';
 DELETE FROM CostCentre WHERE CostCentreId NOT LIKE '%-%';
 DROP TABLE Copy;

@@ -7,7 +7,7 @@ struct Sizes {
   int listing = 10'000;  ///< the month-end of 400,000 cells
   int small = 1'000;     ///< the two ends of the cost per cell
   int large = 40'000;
-  int demo = 1'000;  ///< where the layouts print
+  int demo = 4'000;  ///< where the layouts print
 };
 
 /// The sizes of this run.

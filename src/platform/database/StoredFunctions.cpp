@@ -15,7 +15,7 @@ namespace excelexp {
 namespace {
 
 constexpr std::size_t kMaxValueBytes = 4u << 20;  // all remembered values of a connection
-constexpr std::size_t kValuesOnTrial = 500;       // of a function, before its hits count
+constexpr std::size_t kValuesOnTrial = 16'000;    // of a function, before its hits count
 constexpr std::size_t kValueOverhead = 160;       // map node and value object
 constexpr int kMaxDepth = 32;                     // functions that call functions
 constexpr int kMaxArguments = 100;
