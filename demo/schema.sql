@@ -324,7 +324,8 @@ CREATE TABLE AnItemLookup (
   PRIMARY KEY (AnlysItemTypeId, AnlysLookupId)
 );
 
--- Written by the analysis engine before an item prints and deleted afterwards.
+-- What an analysis engine gives before an item prints, and takes back afterwards. The engine that comes with the
+-- system holds its rows in memory, with these columns, types and defaults; one that stores its rows stores them here.
 -- AnlysIPAddress is the data key: workstation address, "_", ordering of the worksheet item.
 CREATE TABLE AnlysItemRecord (
   AnlysProjectId varchar(40) NOT NULL,
@@ -361,7 +362,7 @@ CREATE TABLE AnlysItemRecord (
   AnlysTime1 time,
   AnlysTimestamp1 timestamp
 );
--- The address leads, so that the records a killed run left are found by address alone.
+-- For stored rows: those of a data key, those of an entity, in the order in which rows in memory come too.
 CREATE INDEX AnlysItemRecordByKey
   ON AnlysItemRecord (AnlysIPAddress, AnlysProjectId, Basis1Id, Basis2Id, Basis3Id);
 

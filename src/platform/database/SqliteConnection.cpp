@@ -129,7 +129,7 @@ bool SqliteConnection::IsCancelled() noexcept {
 
 int SqliteConnection::OnBusy(void* self, int attempt) {
   auto& connection = *static_cast<SqliteConnection*>(self);
-  const bool patient = connection.waits_ && attempt * kBusyPauseMs < connection.busy_timeout_ms_;
+  const bool patient = attempt * kBusyPauseMs < connection.busy_timeout_ms_;
   if (!patient || connection.IsCancelled()) return 0;
   std::this_thread::sleep_for(std::chrono::milliseconds(kBusyPauseMs));
   return 1;

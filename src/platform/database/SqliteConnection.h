@@ -35,7 +35,6 @@ class SqliteConnection {
   SqliteConnection& operator=(const SqliteConnection&) = delete;
 
   sqlite3* Handle() const { return handle_; }
-  Hooks& GetHooks() { return hooks_; }
 
   /// Compiles a text that must hold exactly one statement. `sent` is the text that errors show.
   SqliteStatement Prepare(std::string_view sql, const std::string& sent) const;
@@ -47,20 +46,6 @@ class SqliteConnection {
   void Execute(const char* script) const;
 
   [[noreturn]] void Fail(int code, const std::string& sent) const;
-
-  /// While one lives, no lock is waited for.
-  class Impatience {
-   public:
-    explicit Impatience(SqliteConnection& connection) : connection_(connection) {
-      connection_.waits_ = false;
-    }
-    ~Impatience() { connection_.waits_ = true; }
-    Impatience(const Impatience&) = delete;
-    Impatience& operator=(const Impatience&) = delete;
-
-   private:
-    SqliteConnection& connection_;
-  };
 
   /// Begins a statement that a caller sees as one: NOW() gives one moment, and memory is counted, until the
   /// next call.
@@ -78,7 +63,6 @@ class SqliteConnection {
   sqlite3* handle_ = nullptr;
   std::string file_;
   int busy_timeout_ms_;
-  bool waits_ = true;
   Hooks hooks_;
   bool moment_taken_ = false;
   DateTime moment_;

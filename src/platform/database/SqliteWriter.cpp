@@ -75,9 +75,6 @@ struct SqliteWriter::Impl {
     // Changed pages stay in memory until the commit: writing some of them earlier would lock the readers of
     // a rollback-journal file out in the middle of the work.
     connection.Execute("PRAGMA cache_spill = OFF");
-    // What is deleted need not be overwritten on disk where that alone would cost a write: free pages of a
-    // payroll file hold nothing that its tables do not tell the same reader.
-    connection.Execute("PRAGMA secure_delete = FAST");
   }
 
   /// The statement with the values bound; rewound and free of values when the holder goes.
@@ -158,27 +155,6 @@ std::vector<std::vector<SqlValue>> SqliteWriter::Rows(const std::string& sql,
   return rows;
 }
 
-void SqliteWriter::BulkTransaction(const std::function<void()>& work) {
-  // Pages leave memory only while nobody reads the file. Our own readers give way now; another program's
-  // reader is not waited for at each page, for then the pages stay in memory.
-  DatabaseRegistry::NoteWrite();
-  SqliteConnection& connection = impl_->connection;
-  connection.Execute("PRAGMA cache_spill = ON; PRAGMA cache_size = -16384");
-  const auto end = [&connection] {
-    connection.Execute("PRAGMA cache_spill = OFF; PRAGMA cache_size = -2000");
-  };
-  try {
-    Transaction([&] {
-      const SqliteConnection::Impatience impatience(connection);
-      work();
-    });
-  } catch (...) {
-    end();
-    throw;
-  }
-  end();
-}
-
 void SqliteWriter::Transaction(const std::function<void()>& work) {
   if (impl_->in_transaction) throw DatabaseError("a transaction is begun inside another", "");
   impl_->connection.Execute("BEGIN IMMEDIATE");
@@ -199,10 +175,6 @@ void SqliteWriter::Transaction(const std::function<void()>& work) {
       sqlite3_exec(impl_->connection.Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
     throw;
   }
-}
-
-void SqliteWriter::SetCancelled(std::function<bool()> cancelled) {
-  impl_->connection.GetHooks().cancelled = std::move(cancelled);
 }
 
 }  // namespace excelexp

@@ -14,8 +14,9 @@ namespace excelexp {
 /// A value bound to a statement of ours: NULL, integer, number, text or bytes.
 using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string, std::vector<std::uint8_t>>;
 
-/// The read-write connection of the analysis engine and of the demo generator. It runs statements written by
-/// this system, never a text that a definition carries; values are bound, not spliced. Throws DatabaseError.
+/// A read-write connection: the demo generator's, and that of an analysis engine that stores its records. It
+/// runs statements written by this system, never a text that a definition carries; values are bound, not
+/// spliced. Throws DatabaseError. Exports do not need it.
 /// The connection knows the functions of the dialect (NOW, MONTHS, ...) but does not rewrite statements.
 class SqliteWriter {
  public:
@@ -38,13 +39,6 @@ class SqliteWriter {
 
   /// Runs `work` inside one immediate transaction: committed when it returns, rolled back when it throws.
   void Transaction(const std::function<void()>& work);
-  /// The same for work that changes more than fits into memory well: changed pages may be written before the
-  /// commit (to be taken back when it fails), and from the first of them until then nobody can read the file.
-  /// The work must not read through another connection.
-  void BulkTransaction(const std::function<void()>& work);
-
-  /// Asked while a statement runs; true stops it with a DatabaseError.
-  void SetCancelled(std::function<bool()> cancelled);
 
  private:
   struct Impl;
