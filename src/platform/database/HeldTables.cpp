@@ -210,11 +210,13 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
     throw DatabaseError("the rows to be held take more than " + std::to_string(max_bytes) + " bytes",
                         rows.select);
   };
+  std::vector<Affinity> affinities;
+  for (const int place : given)
+    affinities.push_back(table.Columns()[static_cast<std::size_t>(place)].affinity);
   std::vector<HeldValue> values(given.size());
   for (int count = 1; connection_.Step(select, rows.select); ++count) {
     for (std::size_t i = 0; i < given.size(); ++i) {
-      const HeldTable::Column& column = table.Columns()[static_cast<std::size_t>(given[i])];
-      values[i] = ValueFor(sqlite3_column_value(select, static_cast<int>(i)), column.affinity);
+      values[i] = ValueFor(sqlite3_column_value(select, static_cast<int>(i)), affinities[i]);
     }
     builder.Add(values);
     if (count % kRowsBetweenChecks == 0) check_size();
