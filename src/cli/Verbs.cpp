@@ -78,8 +78,7 @@ constexpr Option kExportOptions[] = {
     {"--internal-log", "FILE", &Settings::internal_log, "the technical log, which holds the user log too"},
     {"--trace", "FILE", &Settings::trace, "every failing SQL statement with the database's error"},
     {"--workstation", "ADDRESS", &Settings::workstation,
-     "what keys the analysis records, before an ending of this run's own\n"
-     "(default: the host name)"},
+     "what keys the analysis records, which are in memory (default: the host name)"},
     {"--view-table", "NAME", &TakeViewTable,
      "the view of the employees that may be seen (default: ViewEmployee)"},
     {"--quiet", "", &Settings::quiet, "no messages but errors"},

@@ -21,9 +21,9 @@ struct RowsToHold {
   };
 
   std::string table;               ///< a table of the database: its columns, types and defaults hold
-  Key key;                         ///< replaces what is held under it
-  std::vector<std::string> order;  ///< by which columns the rows are found and sorted
-  std::string select;              ///< where they come from; gives columns of the table by name
+  Key key;                         ///< columns of texts; replaces what is held under it
+  std::vector<std::string> order;  ///< by which columns of texts the rows are found and sorted
+  std::string select;              ///< where they come from; gives other columns of the table by name
   Restriction only = {};           ///< an empty column restricts nothing
 };
 
@@ -49,9 +49,9 @@ class Database {
   /// The pattern in which the database shows dates, e.g. "dd/mm/yyyy".
   virtual std::string DateFormat() = 0;
 
-  /// Holds rows that only this connection sees. From then on it sees of the table what is held, under any
-  /// key, and nothing of what is stored. Columns that the statement does not give have their default. Throws
-  /// DatabaseError; what was held before stays then.
+  /// Holds rows that only this connection sees. From then on it sees of the table, also through views, what
+  /// is held, under any key, and nothing of what is stored. Columns that the statement does not give have
+  /// their default. Throws DatabaseError; what was held before stays then.
   virtual void HoldRows(const RowsToHold& rows) = 0;
   /// Forgets what is held under the key.
   virtual void ReleaseRows(const std::string& table, const RowsToHold::Key& key) = 0;
