@@ -51,14 +51,13 @@ std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
 
 // The number that is written like this in decimal, no sign and no zero too many.
 std::optional<std::int64_t> PlainNumber(std::string_view text) {
-  if (text.empty() || text.front() > '9' || text.front() < '-') return std::nullopt;
+  const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
+  if (digits.empty() || digits.front() > '9' || digits.front() < '0') return std::nullopt;
+  if (digits.front() == '0') return text == "0" ? std::optional<std::int64_t>(0) : std::nullopt;
   std::int64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  std::array<char, 24> digits;
-  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  if (text != std::string_view(digits.data(), written.ptr)) return std::nullopt;
-  return number;
+  const bool whole = error == std::errc{} && end == text.data() + text.size();
+  return whole ? std::optional(number) : std::nullopt;
 }
 
 // Keys are short; calling memcmp costs more than comparing them.
