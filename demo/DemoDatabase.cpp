@@ -75,9 +75,9 @@ class Progress {
 };
 
 void Fill(SqliteWriter& writer, const DemoOptions& options) {
-  // Analysis records come and go by the hundred thousand: pages of 16 KB halve what committing them costs.
-  // Nobody reads the file yet: changed pages may leave memory before the commit, and the journal need not
-  // outlive a crash.
+  // An analysis engine that stores its records commits them by the hundred thousand: pages of 16 KB halve
+  // what that costs. Nobody reads the file yet: changed pages may leave memory before the commit, and the
+  // journal need not outlive a crash.
   writer.ExecuteScript("PRAGMA page_size = 16384; PRAGMA cache_spill = ON; PRAGMA journal_mode = MEMORY;");
   writer.Transaction([&] {
     writer.ExecuteScript(kDemoSchemaSql);

@@ -97,7 +97,7 @@ bool BExcelExpEngFinRptInfo::ExecuteProcAnalysProject() {
   }
   analysis->SetQueryViewTable(core_->QueryViewTable);
   const int result = analysis->ExecuteOperation();
-  // The host's analysis engine writes through a connection of its own.
+  // A host's own analysis engine may have written through another connection.
   DatabaseRegistry::NoteWrite();
   return JudgeResult(result);
 }
