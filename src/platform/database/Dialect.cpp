@@ -169,8 +169,9 @@ class JoinRewriter {
   }
 
   /// "o.a IN (SELECT b FROM t WHERE b = o.a)" at that IN, with an integer column of an outer table o, is
-  /// written as "EXISTS (SELECT b FROM t WHERE b = o.a)": the same for every value and for NULL, and the
-  /// database makes no list for each row to look into.
+  /// written as "EXISTS (SELECT b FROM t WHERE b = o.a)", and "o.a IN (SELECT b FROM t WHERE b = ?1)" as
+  /// "(o.a = ?1 AND EXISTS (SELECT b FROM t WHERE b = ?1))": the same for every value and for NULL, and the
+  /// database makes no list to look into.
   bool AsksForItself(std::size_t in, const FromList& outer) {
     const std::optional<ColumnName> asked = ColumnBefore(in);
     const auto at_word = [this](std::size_t i, std::string_view word) {
@@ -190,10 +191,22 @@ class JoinRewriter {
     if (SameName(NameOf(tokens_[from + 1]), NameOf(tokens_[asked->begin]))) return false;
     const ColumnName compared{from + 3, EndOfColumnName(from + 3)};
     if (!at_mark(compared.end, '=')) return false;
-    const ColumnName value{compared.end + 1, EndOfColumnName(compared.end + 1)};
-    if (!at_mark(value.end, ')') || !SameTokens(listed, compared) || !SameTokens(value, *asked)) return false;
+    const bool parameter = at_mark(compared.end + 1, '?');
+    const ColumnName value{compared.end + 1,
+                           parameter ? compared.end + 3 : EndOfColumnName(compared.end + 1)};
+    if (!at_mark(value.end, ')') || !SameTokens(listed, compared)) return false;
+    if (!parameter && !SameTokens(value, *asked)) return false;
     const std::size_t begin = tokens_[asked->begin].begin;
-    insertions_.push_back({begin, "EXISTS", tokens_[in].End() - begin});
+    if (!parameter) {
+      insertions_.push_back({begin, "EXISTS", tokens_[in].End() - begin});
+    } else {
+      const std::string equal(sql_.substr(tokens_[compared.end].begin,
+                                          tokens_[value.end - 1].End() - tokens_[compared.end].begin));
+      insertions_.push_back({begin, "("});
+      insertions_.push_back({tokens_[asked->end - 1].End(), " " + equal + " AND EXISTS",
+                             tokens_[in].End() - tokens_[asked->end - 1].End()});
+      insertions_.push_back({tokens_[value.end].End(), ")"});
+    }
     return true;
   }
 

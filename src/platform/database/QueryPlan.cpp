@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -24,6 +25,11 @@ std::vector<PlanStep> PlanOf(const SqliteConnection& connection, const std::stri
     plan.push_back({depth, std::move(text)});
   }
   return plan;
+}
+
+bool HasAutomaticIndex(const std::vector<PlanStep>& plan) {
+  return std::ranges::any_of(
+      plan, [](const PlanStep& step) { return step.text.find("AUTOMATIC") != std::string::npos; });
 }
 
 }  // namespace excelexp

@@ -18,4 +18,8 @@ struct PlanStep {
 /// Throws DatabaseError, with that text, for a statement that does not compile.
 std::vector<PlanStep> PlanOf(const SqliteConnection& connection, const std::string& sql);
 
+/// Whether the database makes an index for one run of the statement. It holds the columns that the statement
+/// reads, and gives rows of equal keys in the order of those.
+bool HasAutomaticIndex(const std::vector<PlanStep>& plan);
+
 }  // namespace excelexp

@@ -53,6 +53,8 @@ class SqliteConnection {
   /// The same for the rest of a statement that began at that moment.
   void ContinueStatement(DateTime moment);
   DateTime Moment();
+  /// Whether the statement that is running, or ended last, asked for its moment.
+  bool TookMoment() const { return moment_taken_; }
 
  private:
   static int OnBusy(void* self, int attempt);

@@ -35,6 +35,11 @@ namespace {
 constexpr std::size_t kFirstRows = 256;
 constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
+// A statement is sent so often before its keys are counted, and for one key in so many before it is read for
+// all of them: should the others never be asked for, reading them took a few times as long as what was.
+constexpr std::size_t kSingleReads = 32;
+constexpr std::size_t kKeysForARead = 8;
+constexpr std::size_t kMaxKeyedBytes = 32u << 20;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
 
 struct TypeWord {
@@ -145,6 +150,11 @@ class SqliteDatabase final : public Database {
 
   std::shared_ptr<const ResultSet> Run(const std::string& sql);
   std::shared_ptr<const ResultSet> Read(KeptStatement& kept, const std::string& sql, const Reading& reading);
+  std::shared_ptr<const ResultSet> ReadKeyed(KeptStatement& kept, const std::string& sql,
+                                             const Reading& reading);
+  bool ReadAllKeys(KeptStatement& kept);
+  SqliteStatement CompileForAllKeys(const KeptStatement& kept, sqlite3_stmt* single);
+  void ReadRowsOfAllKeys(KeptStatement& kept);
   std::shared_ptr<const ResultSet> ReadHeld(KeptStatement& kept, const std::string& sql,
                                             const Reading& reading);
   HeldSelect* HeldSelectOf(KeptStatement& kept);
@@ -153,11 +163,16 @@ class SqliteDatabase final : public Database {
   std::shared_ptr<const ResultSet> Partial(ResultSetBuilder& builder, const std::string& sql,
                                            bool has_more_rows, std::optional<DateTime> moment);
   std::shared_ptr<const HeldRows> ReadRowsToHold(const HeldTable& table, const RowsToHold& rows);
-  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most, ResultSetBuilder& builder);
+  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most,
+                ResultSetBuilder& builder) {
+    return ReadRows(statement, sql, most, builder, options_.max_result_bytes);
+  }
+  bool ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most, ResultSetBuilder& builder,
+                std::size_t most_bytes);
   std::shared_ptr<const ResultSet> ReadUndistinct(KeptStatement& kept, const std::string& sql);
   std::shared_ptr<const ResultSet> FetchRest(const std::string& sql, ResultSet::Missing missing,
                                              std::optional<DateTime> moment);
-  [[noreturn]] void FailSize(const std::string& sql) const;
+  [[noreturn]] static void FailSize(const std::string& sql, std::size_t most_bytes);
   CompiledQuery Compile(const std::string& sql, const std::string& sent);
   void NoteFailure(const DatabaseError& error, const std::string& sql);
 
@@ -188,6 +203,7 @@ class SqliteDatabase final : public Database {
   std::optional<std::int64_t> data_version_;
   std::optional<std::int64_t> schema_version_;
   std::uint64_t writes_noted_ = 0;
+  std::size_t keyed_bytes_ = 0;  // of rows read for all keys, since the data changed last
 };
 
 std::string WithContent(const std::string& file) {
@@ -207,7 +223,8 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
       find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
       statements_(connection_, guard_,
                   [this](const std::string& sql, const std::string& sent) { return Compile(sql, sent); }),
-      functions_(connection_, guard_, [this](const std::string& sql) { return Compile(sql, sql); }),
+      functions_(connection_, guard_, find_table_,
+                 [this](const std::string& sql) { return Compile(sql, sql); }),
       cache_(options_.cache_bytes) {
   {
     const SqliteGuard::Pass pass(guard_);
@@ -262,6 +279,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
 std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const std::string& sql,
                                                       const Reading& reading) {
   if (std::shared_ptr<const ResultSet> held = ReadHeld(kept, sql, reading)) return held;
+  if (std::shared_ptr<const ResultSet> known = ReadKeyed(kept, sql, reading)) return known;
   reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
   // A function of the database may turn out to ask for it.
   const bool asks_moment = kept.whole.traits.is_volatile || kept.whole.traits.calls_stored;
@@ -309,6 +327,78 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Partial(ResultSetBuilder& build
   return result;
 }
 
+/// nullptr for a statement whose rows are not known for all keys.
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadKeyed(KeptStatement& kept, const std::string& sql,
+                                                           const Reading& reading) {
+  const std::vector<SqlComparand>& values = statements_.Values();
+  const auto is_key = [&](const SqlComparand& value) {
+    return !value.is_text && value.number == values.front().number;
+  };
+  const bool rest_of_columns = kept.may_narrow && reading.all_columns;
+  if (values.empty() || rest_of_columns || !std::ranges::all_of(values, is_key)) return nullptr;
+  if (!ReadAllKeys(kept)) return nullptr;
+  const std::shared_ptr<const KeyedRows> rows = kept.keyed.rows;
+  const std::optional<KeyedRows::Span> found = rows->Find(values.front().number);
+  if (!found || (!kept.shape.WithoutDistinct().empty() && !rows->SurelyDiffer(*found))) return nullptr;
+  connection_.BeginStatement();
+  const std::optional<DateTime> moment =
+      kept.whole.traits.is_volatile ? std::optional(connection_.Moment()) : std::nullopt;
+  const bool narrow = kept.keyed.places != nullptr;
+  ResultSetBuilder builder =
+      narrow ? ResultSetBuilder(kept.columns, kept.keyed.places, static_cast<std::size_t>(kept.narrow.width))
+             : ResultSetBuilder(kept.columns);
+  for (int row = found->first; row < found->first + found->count; ++row) rows->AddTo(builder, row);
+  return narrow ? Partial(builder, sql, false, moment) : builder.Finish();
+}
+
+/// Reads the statement's rows for all keys if that pays, or was done. What goes wrong with a key is told when
+/// its rows are asked for.
+bool SqliteDatabase::ReadAllKeys(KeptStatement& kept) {
+  KeyedStatement& keyed = kept.keyed;
+  if (keyed.rows != nullptr) {
+    if (keyed.places == kept.narrow.places) return true;
+    keyed = {};  // more columns are asked for now
+  }
+  if (keyed.refused || ++keyed.asked < kSingleReads) return false;
+  try {
+    if (keyed.keys == 0) {
+      const SqliteGuard::Pass pass(guard_);
+      const std::optional<std::int64_t> keys = KeyedRows::CountKeys(kept, connection_, find_table_);
+      keyed.refused = !keys.has_value();
+      keyed.keys = static_cast<std::size_t>(std::max<std::int64_t>(1, keys.value_or(1)));
+    }
+    if (keyed.refused || keyed.asked * kKeysForARead < keyed.keys) return false;
+    keyed.refused = true;
+    ReadRowsOfAllKeys(kept);
+  } catch (const DatabaseError&) {
+    keyed.refused = true;
+  }
+  return keyed.rows != nullptr;
+}
+
+SqliteStatement SqliteDatabase::CompileForAllKeys(const KeptStatement& kept, sqlite3_stmt* single) {
+  const SqliteGuard::Pass pass(guard_);
+  return KeyedRows::Compile(kept, single, connection_, find_table_);
+}
+
+void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
+  const std::uint64_t writes_noted = writes_noted_;
+  const std::string& undistinct = kept.shape.WithoutDistinct();
+  const CompiledQuery single = undistinct.empty() ? CompiledQuery{} : Compile(undistinct, undistinct);
+  const SqliteStatement all =
+      CompileForAllKeys(kept, undistinct.empty() ? kept.whole.statement.get() : single.statement.get());
+  if (all == nullptr) return;
+  connection_.BeginStatement();
+  functions_.SetMetVolatile(false);
+  ResultSetBuilder rows(std::vector<std::string>(static_cast<std::size_t>(sqlite3_column_count(all.get()))));
+  const std::string sql = sqlite3_sql(all.get());
+  ReadRows(all.get(), sql, kAllRows, rows, kMaxKeyedBytes - std::min(kMaxKeyedBytes, keyed_bytes_));
+  keyed_bytes_ += rows.Bytes();
+  if (connection_.TookMoment() || functions_.MetVolatile() || writes_noted != writes_noted_) return;
+  kept.keyed.rows = std::make_shared<const KeyedRows>(rows.Finish());
+  kept.keyed.places = kept.narrow.places;
+}
+
 /// nullptr for a statement that rows held in memory do not answer.
 std::shared_ptr<const ResultSet> SqliteDatabase::ReadHeld(KeptStatement& kept, const std::string& sql,
                                                           const Reading& reading) {
@@ -334,7 +424,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadHeld(KeptStatement& kept, c
   };
   const std::size_t count = std::min(found.places.size(), most);
   if (!select->AddRows(found, count, wanted, writes_noted_, read_joined, builder)) return nullptr;
-  if (builder.Bytes() > options_.max_result_bytes) FailSize(sql);
+  if (builder.Bytes() > options_.max_result_bytes) FailSize(sql, options_.max_result_bytes);
   const bool is_partial = has_more_rows || !all_columns;
   return is_partial ? Partial(builder, sql, has_more_rows, std::nullopt) : builder.Finish();
 }
@@ -360,7 +450,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadJoined(sqlite3_stmt* statem
 
 /// False when there are more rows than were wanted.
 bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, std::size_t most,
-                              ResultSetBuilder& builder) {
+                              ResultSetBuilder& builder, std::size_t most_bytes) {
   const Rewinder rewinder(statement);
   const Running running(running_);
   const auto width = static_cast<int>(builder.Width());
@@ -368,14 +458,13 @@ bool SqliteDatabase::ReadRows(sqlite3_stmt* statement, const std::string& sql, s
     if (builder.RowCount() == most) return false;
     builder.BeginRow();
     for (int column = 0; column < width; ++column) AddCell(builder, sqlite3_column_value(statement, column));
-    if (builder.Bytes() > options_.max_result_bytes) FailSize(sql);
+    if (builder.Bytes() > most_bytes) FailSize(sql, most_bytes);
   }
   return true;
 }
 
-void SqliteDatabase::FailSize(const std::string& sql) const {
-  throw DatabaseError("the result is larger than " + std::to_string(options_.max_result_bytes) + " bytes",
-                      sql);
+void SqliteDatabase::FailSize(const std::string& sql, std::size_t most_bytes) {
+  throw DatabaseError("the result is larger than " + std::to_string(most_bytes) + " bytes", sql);
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sql, ResultSet::Missing missing,
@@ -473,6 +562,8 @@ void SqliteDatabase::ForgetResults() {
   cache_.Clear();
   CompletePartial();
   functions_.Forget();
+  statements_.ForgetRows();
+  keyed_bytes_ = 0;
 }
 
 void SqliteDatabase::HoldRows(const RowsToHold& rows) {

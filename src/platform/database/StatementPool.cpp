@@ -37,13 +37,6 @@ std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
   return std::make_shared<const ResultColumns>(std::move(names));
 }
 
-/// An index that the database makes for one run holds the columns that the statement reads, and gives rows of
-/// equal keys in the order of those.
-bool HasAutomaticIndex(const std::vector<PlanStep>& plan) {
-  return std::ranges::any_of(
-      plan, [](const PlanStep& step) { return step.text.find("AUTOMATIC") != std::string::npos; });
-}
-
 }  // namespace
 
 StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile)

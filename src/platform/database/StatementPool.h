@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/database/HeldSelect.h"
+#include "platform/database/KeyedRows.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/SqlShape.h"
 #include "platform/database/StoredFunctions.h"
@@ -19,6 +20,16 @@ struct NarrowStatement {
   SqliteStatement statement;
   std::shared_ptr<const std::vector<int>> places;  ///< of each column of the whole statement, or -1
   int width = 0;
+};
+
+/// What is known of a statement that is sent for one key after the other, since the data changed last.
+struct KeyedStatement {
+  std::size_t asked = 0;
+  std::size_t keys = 0;  ///< how many there are, once they were counted
+  bool refused = false;  ///< its rows are not to be read for all keys, or not again
+  std::shared_ptr<const KeyedRows> rows = {};
+  /// Of the narrow statement that the rows are of; null: of the whole one.
+  std::shared_ptr<const std::vector<int>> places = {};
 };
 
 /// A compiled statement, kept for the next time one of its shape is sent, and what was learnt from its use.
@@ -37,6 +48,7 @@ struct KeptStatement {
   SqliteStatement undistinct = {};
   /// How rows held in memory answer it; no pointer when they do not, nothing before that was looked for.
   std::optional<std::unique_ptr<HeldSelect>> held = {};
+  KeyedStatement keyed = {};
 };
 
 /// The statements used last, compiled once for each shape.
@@ -51,6 +63,10 @@ class StatementPool {
   /// The values that the text of the last call compares columns with; they point into it.
   const std::vector<SqlComparand>& Values() const { return values_; }
   void Clear() { kept_.clear(); }
+  /// The data may have changed.
+  void ForgetRows() {
+    for (KeptStatement& kept : kept_) kept.keyed = {};
+  }
 
  private:
   void Keep(const std::string& sql);

@@ -6,6 +6,7 @@
 #include <exception>
 #include <functional>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "platform/database/DatabaseError.h"
@@ -17,49 +18,37 @@ namespace {
 constexpr std::size_t kMaxValueBytes = 4u << 20;  // all remembered values of a connection
 constexpr std::size_t kValuesOnTrial = 16'000;    // of a function, before its hits count
 constexpr std::size_t kValueOverhead = 160;       // map node and value object
-constexpr int kMaxDepth = 32;                     // functions that call functions
+constexpr std::size_t kMaxBatchBytes = 8u << 20;  // of a connection
+constexpr std::size_t kMaxBatches = 32;           // of a function
+constexpr std::size_t kSingleCalls = 32;          // before its keys are counted
+// A call for itself costs about three times what a key in a batch does: should the rest of the keys never be
+// asked for, the batch took some three times as long as the calls before it.
+constexpr std::size_t kKeysForACall = 8;
+constexpr int kMaxDepth = 32;  // functions that call functions
 constexpr int kMaxArguments = 100;
 
 constexpr char kDefinitionsSql[] =
     "SELECT FunctionName, ArgumentCount, FunctionSql FROM DatabaseFunction ORDER BY FunctionName";
-
-std::string_view BytesOf(sqlite3_value* value) {
-  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-  return bytes == nullptr ? std::string_view() : std::string_view(bytes, sqlite3_value_bytes(value));
-}
 
 // Without an answer the value of a function is NULL.
 void Answer(sqlite3_context* context, sqlite3_value* value) {
   if (value != nullptr) sqlite3_result_value(context, value);
 }
 
-// Equal keys mean equal arguments of equal types.
-std::string KeyOf(int count, sqlite3_value** arguments) {
+std::string KeyOf(std::span<sqlite3_value* const> arguments) {
   std::string key;
-  for (int i = 0; i < count; ++i) {
-    const int type = sqlite3_value_type(arguments[i]);
-    if (type == SQLITE_FLOAT) {
-      const double number = sqlite3_value_double(arguments[i]);
-      key.append(1, 'd').append(reinterpret_cast<const char*>(&number), sizeof number);
-    } else {
-      const std::string_view bytes = BytesOf(arguments[i]);
-      key.append(1, static_cast<char>('0' + type))
-          .append(std::to_string(bytes.size()))
-          .append(1, ':')
-          .append(bytes);
-    }
-  }
+  for (sqlite3_value* argument : arguments) AppendKeyOf(argument, key);
   return key;
 }
 
 }  // namespace
 
-void StoredFunctions::ValueFreer::operator()(sqlite3_value* value) const {
-  sqlite3_value_free(value);
-}
-
-StoredFunctions::StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
-    : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
+StoredFunctions::StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, FindTable find_table,
+                                 Compile compile)
+    : connection_(connection),
+      guard_(guard),
+      find_table_(std::move(find_table)),
+      compile_(std::move(compile)) {}
 
 StoredFunctions::~StoredFunctions() {
   Forget();
@@ -105,7 +94,7 @@ std::vector<StoredFunctions::Definition> StoredFunctions::ReadDefinitions() cons
 }
 
 void StoredFunctions::Register(Definition definition) {
-  functions_.push_back(std::make_unique<Function>(Function{this, std::move(definition), {}, {}}));
+  functions_.push_back(std::make_unique<Function>(Function{this, std::move(definition), {}, {}, 0, {}}));
   Function& function = *functions_.back();
   const int code = sqlite3_create_function_v2(
       connection_.Handle(), function.definition.name.c_str(), function.definition.argument_count,
@@ -130,8 +119,10 @@ void StoredFunctions::Forget() {
     function->idle.clear();
     function->values.clear();
     function->hits = 0;
+    function->batches.clear();
   }
   value_bytes_ = 0;
+  batch_bytes_ = 0;
 }
 
 void StoredFunctions::OnCall(sqlite3_context* context, int count, sqlite3_value** arguments) {
@@ -150,10 +141,15 @@ void StoredFunctions::OnCall(sqlite3_context* context, int count, sqlite3_value*
 
 void StoredFunctions::Call(Function& function, sqlite3_context* context, int count,
                            sqlite3_value** arguments) {
+  Batch* const batch = BatchFor(function, count, arguments);
+  const auto of_batch = [&] {
+    return batch == nullptr ? nullptr : batch->values.Find(sqlite3_value_int64(arguments[0]));
+  };
+  if (const OwnedSqliteValue* const known = of_batch()) return Answer(context, known->get());
   const bool remembers = function.values.size() < kValuesOnTrial || function.hits >= function.values.size();
   std::optional<std::string> key;
   if (remembers) {
-    key = KeyOf(count, arguments);
+    key = KeyOf({arguments, static_cast<std::size_t>(count)});
     if (const auto known = function.values.find(*key); known != function.values.end()) {
       ++function.hits;
       return Answer(context, known->second.get());
@@ -161,6 +157,10 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
   }
   if (depth_ >= kMaxDepth)
     throw DatabaseError("functions call each other too deeply", function.definition.sql);
+  if (batch != nullptr && !batch->refused && ++batch->asked >= kSingleCalls) {
+    ReadBatch(function, *batch, {arguments, static_cast<std::size_t>(count)});
+    if (const OwnedSqliteValue* const known = of_batch()) return Answer(context, known->get());
+  }
   ++depth_;
   const bool outer_volatile = std::exchange(met_volatile_, false);
   try {
@@ -172,6 +172,67 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
   }
   --depth_;
   met_volatile_ = met_volatile_ || outer_volatile;
+}
+
+StoredFunctions::Batch* StoredFunctions::BatchFor(Function& function, int count, sqlite3_value** arguments) {
+  if (count == 0 || sqlite3_value_type(arguments[0]) != SQLITE_INTEGER) return nullptr;
+  others_.clear();
+  for (int i = 1; i < count; ++i) AppendKeyOf(arguments[i], others_);
+  for (Batch& batch : function.batches)
+    if (batch.others == others_) return &batch;
+  if (function.batches.size() == kMaxBatches) return nullptr;
+  return &function.batches.emplace_back(Batch{.others = others_});
+}
+
+/// Reads the values of all keys if that pays. What goes wrong with a key is told when its value is asked for.
+void StoredFunctions::ReadBatch(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments) {
+  const bool met_volatile = std::exchange(met_volatile_, false);
+  ++depth_;
+  try {
+    if (batch.keys == 0) CountKeys(function, batch);
+    if (!batch.refused && batch.asked * kKeysForACall >= batch.keys) {
+      batch.refused = true;
+      ReadValues(function, batch.values, arguments);
+      if (!met_volatile_) batch.values.Finish();
+    }
+  } catch (const DatabaseError&) {
+    batch.refused = true;
+    batch.values = {};
+  }
+  --depth_;
+  met_volatile_ = met_volatile;
+}
+
+void StoredFunctions::CountKeys(Function& function, Batch& batch) {
+  const std::optional<KeyedSql> keyed = KeyedSql::Of(function.definition.sql, true, find_table_);
+  batch.refused = !keyed;
+  if (batch.refused) return;
+  const CompiledQuery count = compile_(keyed->count);
+  connection_.Step(count.statement.get(), keyed->count);
+  batch.keys = std::max<std::size_t>(1, sqlite3_column_int64(count.statement.get(), 0));
+}
+
+void StoredFunctions::ReadValues(Function& function, KeyedValues& values,
+                                 std::span<sqlite3_value* const> arguments) {
+  const KeyedSql keyed = *KeyedSql::Of(function.definition.sql, true, find_table_);
+  const std::string sql =
+      "SELECT " + std::string(KeyedSql::kKeys) + ", (" + keyed.text + "\n) FROM " + keyed.keys;
+  const CompiledQuery single = compile_(function.definition.sql);
+  const CompiledQuery all = compile_(sql);
+  const auto plan_of = [this](const CompiledQuery& query) {
+    const SqliteGuard::Pass pass(guard_);
+    return PlanOf(connection_, sqlite3_sql(query.statement.get()));
+  };
+  if (all.traits.is_volatile || !FindsRowsAlike(plan_of(single), PlanOfLast(plan_of(all)))) return;
+  sqlite3_stmt* const statement = all.statement.get();
+  for (std::size_t i = 1; i < arguments.size(); ++i)
+    sqlite3_bind_value(statement, static_cast<int>(i + 1), arguments[i]);
+  while (batch_bytes_ + values.Bytes() < kMaxBatchBytes && connection_.Step(statement, sql)) {
+    sqlite3_value* const key = sqlite3_column_value(statement, 0);
+    if (sqlite3_value_type(key) == SQLITE_INTEGER)
+      values.Add(sqlite3_value_int64(key), sqlite3_column_value(statement, 1));
+  }
+  batch_bytes_ += values.Bytes();
 }
 
 void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int count,
@@ -190,7 +251,7 @@ void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int
 }
 
 void StoredFunctions::Remember(Function& function, std::string key, sqlite3_value* found) {
-  std::unique_ptr<sqlite3_value, ValueFreer> value(sqlite3_value_dup(found));
+  OwnedSqliteValue value(sqlite3_value_dup(found));
   const int type = value == nullptr ? SQLITE_NULL : sqlite3_value_type(value.get());
   const bool is_long = type == SQLITE_TEXT || type == SQLITE_BLOB;
   const std::size_t bytes = key.size() + (is_long ? sqlite3_value_bytes(value.get()) : 0) + kValueOverhead;

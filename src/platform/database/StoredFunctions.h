@@ -1,19 +1,23 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/database/KeyedSql.h"
+#include "platform/database/KeyedValues.h"
 #include "platform/database/SqliteConnection.h"
 #include "platform/database/SqliteGuard.h"
 
 struct sqlite3_context;
-struct sqlite3_value;
 
 namespace excelexp {
 
@@ -28,12 +32,13 @@ struct CompiledQuery {
 /// first column of the first row of its SELECT, or NULL when there is no row. ?1, ?2, ... are the arguments.
 ///
 /// Values are remembered per arguments until Forget, unless the SELECT asks for something volatile, or hardly
-/// any of a function's values is asked for again.
+/// any of a function's values is asked for again. A function that is called for one key after another, of an
+/// employee say, is soon asked for all keys at once.
 class StoredFunctions {
  public:
   /// `compile` compiles a SELECT of the dialect under the guard.
   using Compile = std::function<CompiledQuery(const std::string& sql)>;
-  StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, Compile compile);
+  StoredFunctions(SqliteConnection& connection, SqliteGuard& guard, FindTable find_table, Compile compile);
   ~StoredFunctions();
   StoredFunctions(const StoredFunctions&) = delete;
   StoredFunctions& operator=(const StoredFunctions&) = delete;
@@ -56,15 +61,21 @@ class StoredFunctions {
     std::string sql;
     friend bool operator==(const Definition&, const Definition&) = default;
   };
-  struct ValueFreer {
-    void operator()(sqlite3_value* value) const;
+  /// The values for all keys, the arguments behind the key being the same.
+  struct Batch {
+    std::string others;  ///< those arguments
+    std::size_t asked = 0;
+    std::size_t keys = 0;  ///< how many there are, once that was asked
+    bool refused = false;  ///< not to be read, or not again
+    KeyedValues values = {};
   };
   struct Function {
     StoredFunctions* owner;
     Definition definition;
     std::vector<CompiledQuery> idle;  // more than one when the function calls itself
-    std::unordered_map<std::string, std::unique_ptr<sqlite3_value, ValueFreer>> values;
+    std::unordered_map<std::string, OwnedSqliteValue> values;
     std::size_t hits = 0;
+    std::deque<Batch> batches;  // a call may add to them while one of them is read
   };
 
   std::vector<Definition> ReadDefinitions() const;
@@ -74,15 +85,23 @@ class StoredFunctions {
   void Call(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments);
   void Evaluate(Function& function, sqlite3_context* context, int count, sqlite3_value** arguments,
                 std::optional<std::string> key);
+  /// nullptr for a call without an integer as its key.
+  Batch* BatchFor(Function& function, int count, sqlite3_value** arguments);
+  void ReadBatch(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
+  void CountKeys(Function& function, Batch& batch);
+  void ReadValues(Function& function, KeyedValues& values, std::span<sqlite3_value* const> arguments);
   /// nullptr for a SELECT without a row.
   void Remember(Function& function, std::string key, sqlite3_value* found);
   CompiledQuery Take(Function& function);
 
   SqliteConnection& connection_;
   SqliteGuard& guard_;
+  FindTable find_table_;
   Compile compile_;
   std::vector<std::unique_ptr<Function>> functions_;
   std::size_t value_bytes_ = 0;
+  std::size_t batch_bytes_ = 0;
+  std::string others_;  // of the call that is made
   int depth_ = 0;
   bool met_volatile_ = false;
 };

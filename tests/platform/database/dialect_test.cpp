@@ -175,6 +175,10 @@ TEST(Dialect, AListOfTheValueItselfIsAskedForExistence) {
        "EXISTS (SELECT PersonId FROM People WHERE PersonId = Records.Year)"},
       {"1 AND records.year  in(SELECT PersonId FROM People WHERE personid=RECORDS.YEAR) AND Year = 2",
        "1 AND EXISTS(SELECT PersonId FROM People WHERE personid=RECORDS.YEAR) AND Year = 2"},
+      {"NOT Records.Year IN (SELECT PersonId FROM People WHERE PersonId = ?1) AND Year = 2",
+       "NOT (Records.Year = ?1 AND EXISTS (SELECT PersonId FROM People WHERE PersonId = ?1)) AND Year = 2"},
+      {"Records.Year IN (SELECT PersonId FROM People WHERE PersonId = ?)", ""},
+      {"Records.Year IN (SELECT PersonId FROM People WHERE PersonId = ?1 + 1)", ""},
       // Without a table the value could be a column of the inner one; so it could with the inner one's name.
       {"Year IN (SELECT PersonId FROM People WHERE PersonId = Year)", ""},
       {"Records.Year IN (SELECT Year FROM Records WHERE Year = Records.Year)", ""},
