@@ -1202,6 +1202,7 @@ INSERT INTO DatabaseFunction
           WHERE Personal.PersonalSysId = Employee.PersonalSysId) END
     FROM Employee WHERE Employee.EmployeeSysId = ?1)), '''')' FROM Cases
   UNION ALL
-  SELECT 'FGetCodeDescriptionByPersonal', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || EmployeeCodes
-    || PersonalCodes || ' END FROM Personal LEFT JOIN Employee ON Employee.PersonalSysId = Personal.PersonalSysId
-    WHERE Personal.PersonalSysId = ?1 ORDER BY Employee.HireDate DESC LIMIT 1)), '''')' FROM Cases;
+  SELECT 'FGetCodeDescriptionByPersonal', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || PersonalCodes || '
+    ELSE (SELECT CASE ?2' || EmployeeCodes || ' END FROM Employee
+          WHERE Employee.PersonalSysId = Personal.PersonalSysId ORDER BY Employee.HireDate DESC LIMIT 1) END
+    FROM Personal WHERE Personal.PersonalSysId = ?1)), '''')' FROM Cases;
