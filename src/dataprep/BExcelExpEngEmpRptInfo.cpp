@@ -42,16 +42,14 @@ int BExcelExpEngEmpRptInfo::CheckEmployeeRptData() {
   condition = " WHERE " + condition + InView(core_, population);
 
   const std::string data = "SELECT * FROM " + Tables(10) + condition;
-  if (!core_->ExecuteSQL(data)) return -1;
-  if (core_->SQLQry->RowCount() == 0) return 0;
+  if (const int found = core_->FindsRows(data); found != 1) return found;
   if (!core_->FirstWkSheetItem) {
     BecomeFirst("(SELECT DISTINCT " + QualifiedId(population) + " FROM " + Tables(14) + condition + ")");
     return has_data;
   }
-  if (!core_->ExecuteSQL(data + " AND " + QualifiedId(population) + " IN " + core_->FirstWkSheetItemIdSQL)) {
-    return -1;
-  }
-  return core_->SQLQry->RowCount() > 0 ? has_data : 0;
+  const int found =
+      core_->FindsRows(data + " AND " + QualifiedId(population) + " IN " + core_->FirstWkSheetItemIdSQL);
+  return found == 1 ? has_data : found;
 }
 
 std::string BExcelExpEngEmpRptInfo::Tables(std::size_t blanks) const {

@@ -109,7 +109,7 @@ bool BExcelExpEngFinRptInfo::JudgeResult(int result) {
   if (movement && result != -1) {
     const std::string employee = std::to_string(result);
     const bool found = core_->ExecuteSQL("SELECT FGetEmployeeId(" + employee + ") as EmployeeId") &&
-                       core_->SQLQry->RowCount() > 0;
+                       !core_->SQLQry->IsEmpty();
     message += " for EmployeeSysId : " + employee +
                " EmployeeId : " + (found ? core_->SQLQry->FieldByName("EmployeeId").AsString() : "");
   }
@@ -124,12 +124,9 @@ int BExcelExpEngFinRptInfo::CheckFinancialRptData() {
   const std::string key = core_->DataKey(core_->ExcelWSItemOrdering);
   const std::string data = "SELECT * FROM AnlysItemRecord WHERE AnlysProjectId = " + SqlText(project) +
                            std::string(14, ' ') + "AND AnlysIPAddress = " + SqlText(key);
-  if (!core_->ExecuteSQL(data)) return -1;
-  if (core_->SQLQry->IsEmpty()) return 0;
-  if (core_->FirstWkSheetItem) {
-    if (!core_->ExecuteSQL(data + " AND Basis1Id IN " + core_->FirstWkSheetItemSQL)) return -1;
-    return core_->SQLQry->IsEmpty() ? 0 : 1;
-  }
+  if (const int found = core_->FindsRows(data); found != 1) return found;
+  if (core_->FirstWkSheetItem)
+    return core_->FindsRows(data + " AND Basis1Id IN " + core_->FirstWkSheetItemSQL);
   SetFirstWkSheetItem(true);
   SetFirstWSItemAnalysProj(project);
   SetFirstWSItemHasGrandTot(FinancialRptDetailsQry.FieldByName("FinancialHasGrandTot").AsInteger());

@@ -50,13 +50,20 @@ bool BExcelExpEngCore::ExecuteCurEmpCoyBasisSQL(const std::string& sql) {
   return Run(CurEmpCoyBasisQry.get(), sql);
 }
 
+int BExcelExpEngCore::FindsRows(const std::string& sql) {
+  if (!ExecuteSQL(sql)) return -1;
+  const int found = SQLQry->IsEmpty() ? 0 : 1;
+  SQLQry->Close();
+  return found;
+}
+
 bool BExcelExpEngCore::OpenOrLog(Query& query, const std::string& sql, const OperationName& where,
                                  std::string_view name, Rows rows) {
   if (!Run(&query, sql)) {
     WriteErrorEntry(where.Text() + " Error: Error in " + std::string(name) + " Query.");
     return false;
   }
-  if (rows == Rows::kRequired && query.RowCount() == 0) {
+  if (rows == Rows::kRequired && query.IsEmpty()) {
     WriteErrorEntry(where.Text() + " Error: Empty " + std::string(name) + " Recordset.");
     return false;
   }

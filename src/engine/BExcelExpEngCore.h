@@ -121,6 +121,10 @@ class BExcelExpEngCore : public BPayEngMemo {
   bool ExecuteEmpCoyBasisSQL(const std::string& sql);
   bool ExecuteCurEmpCoyBasisSQL(const std::string& sql);
 
+  /// Whether the statement finds rows: 1 or 0, -1 when it fails. Leaves SQLQry closed, for a result that is
+  /// open when the records of the next item are generated is read to its end first.
+  int FindsRows(const std::string& sql);
+
   /// Opens the query on the statement. When that fails: the error entry `where` + " Error: Error in " +
   /// `name` + " Query." and false; when rows are required and there are none, `where` + " Error: Empty " +
   /// `name` + " Recordset." and false.

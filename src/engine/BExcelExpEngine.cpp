@@ -89,7 +89,7 @@ Outcome BExcelExpEngine::Run() {
     WriteAllMemo("");
     return Outcome::kFailed;
   }
-  if (ExcelWorksheetQry->RowCount() == 0) {
+  if (ExcelWorksheetQry->IsEmpty()) {
     WriteUserEntry("Warning: There are no Excel Worksheets being set up in this Excel Spreadsheet.");
     WriteAllMemo("Generation of Excel Report is not successful.");
     WriteAllMemo("");

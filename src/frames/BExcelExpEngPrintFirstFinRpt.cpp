@@ -121,7 +121,7 @@ bool BExcelExpEngPrintFirstFinRpt::PrepareEntities() {
                         Where(kOperation), "ExcelRptBasisQry", Rows::kOptional)) {
     return false;
   }
-  if (ExcelRptBasisQry.RowCount() == 0) return Fail(kOperation, "Empty ExcelRptBasisQry ResultSet.");
+  if (ExcelRptBasisQry.IsEmpty()) return Fail(kOperation, "Empty ExcelRptBasisQry ResultSet.");
 
   basis_tables_.clear();
   for (const Basis& basis : ChosenBases()) {
@@ -167,7 +167,7 @@ std::string BExcelExpEngPrintFirstFinRpt::PopulateBasisTableBasisSQL(const std::
     return "";
   }
   const std::string policy =
-      core_->SQLQry->RowCount() == 0 ? "" : core_->SQLQry->FieldByName("BasisPolicyId").AsString();
+      core_->SQLQry->IsEmpty() ? "" : core_->SQLQry->FieldByName("BasisPolicyId").AsString();
   return "(SELECT AnlysPolicyRangeCode AS " + ExcelRptBasisQry.FieldByName("AnlysKeywordTableId").AsString() +
          " FROM AnlysPolicyRange WHERE AnlysBasisPolicyId = " + SqlText(policy) + ")" + std::string(13, ' ') +
          "AS " + reference;

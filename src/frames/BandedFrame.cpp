@@ -40,7 +40,7 @@ bool BandedFrame::CheckForRptGrouping() {
   const DefinitionNames& names = traits_.names;
   return core_->ExecuteSQL("SELECT * FROM " + std::string(names.group_table) + " WHERE " +
                            std::string(names.report_key) + " = " + SqlText(FirstReportId())) &&
-         core_->SQLQry->RowCount() > 0;
+         !core_->SQLQry->IsEmpty();
 }
 
 bool BandedFrame::GetEntities() {
@@ -72,7 +72,7 @@ bool BandedFrame::GetEntities() {
   if (!core_->ExecuteEmpCoyBasisSQL(sql)) {
     return Fail(traits_.entities_operation, "Error in getting " + std::string(traits_.entities_name));
   }
-  return core_->EmpCoyBasisQry->RowCount() > 0 ||
+  return !core_->EmpCoyBasisQry->IsEmpty() ||
          Fail(traits_.entities_operation, "Empty " + std::string(traits_.entities_name));
 }
 
@@ -92,7 +92,7 @@ bool BandedFrame::GetIndividualEmpCoyBasisInfo() {
   if (!EntitySql(sql)) return false;
   if (!core_->ExecuteCurEmpCoyBasisSQL(sql))
     return Fail(kOperation, "Error in ExcelRptEmpCoyBasisQry Query.");
-  return core_->CurEmpCoyBasisQry->RowCount() > 0 ||
+  return !core_->CurEmpCoyBasisQry->IsEmpty() ||
          Fail(kOperation, "Empty ExcelRptEmpCoyBasisQry Recordset.");
 }
 
@@ -122,7 +122,7 @@ bool BandedFrame::PrintNonGroupingRpt() {
 }
 
 bool BandedFrame::PrintBand() {
-  const bool has_main_info = ExcelRptSummLvlItemQry.RowCount() > 0;
+  const bool has_main_info = !ExcelRptSummLvlItemQry.IsEmpty();
   const bool first_entity = core_->EmpCoyBasisQry->Bof();
   const int band_row = core_->LastPrintedRow + (first_entity ? traits_.first_band_gap : 1);
   if (first_entity) first_data_row_ = band_row;
@@ -205,7 +205,7 @@ bool BandedFrame::PrintFinancialRpt(const std::string& report_id) {
                   "WHERE FinancialRptId = ", SqlText(report_id)}))) {
     return Fail("PrintFinancialRpt", "Error in getting the financial report layout scheme.");
   }
-  if (core_->SQLQry->RowCount() == 0) {
+  if (core_->SQLQry->IsEmpty()) {
     return Fail("PrintFinancialRpt", "Empty financial report layout scheme information.");
   }
   const std::string scheme = core_->SQLQry->FieldByName("LayoutSchemeId").AsString();

@@ -149,7 +149,7 @@ bool BandedFrame::FindChangedLevels(std::vector<bool>& changed) {
     core_->WriteErrorEntry(prefix + "Error in PrevGrpInfoQry query.");
     return false;
   }
-  if (PrevGrpInfoQry.RowCount() == 0) {
+  if (PrevGrpInfoQry.IsEmpty()) {
     core_->WriteErrorEntry(prefix + "Empty PrevGrpInfoQry Recordset.");
     return false;
   }

@@ -149,7 +149,7 @@ bool FrameTotals::ReadFirstSummingColumn(const WkSheetItem& item, std::string_vi
                            " Error: Error in getting the financial report layout scheme.");
     return false;
   }
-  if (layout.RowCount() == 0) {
+  if (layout.IsEmpty()) {
     core_->WriteErrorEntry(Where(operation).Text() +
                            " Error: Empty financial report layout scheme information.");
     return false;

@@ -41,7 +41,7 @@ OperationName InformationLayout::Where(std::string_view operation) const {
 
 bool InformationLayout::ExecuteOperation() {
   if (!OpenReport()) return false;
-  if (EmployeeColItemQry.RowCount() == 0) {
+  if (EmployeeColItemQry.IsEmpty()) {
     core_->WriteUserEntry("Warning: Column Items are not set for " + core_->ExcelWSItemRptId + ".");
     return true;
   }

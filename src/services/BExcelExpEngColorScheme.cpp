@@ -69,7 +69,7 @@ std::optional<CellStyle> BExcelExpEngColorScheme::StyleOfRow() {
                            "::FormatExcelCell Error: Error in getting Excel Export Keyword Information.");
     return std::nullopt;
   }
-  if (core_->SQLQry->RowCount() == 0) {
+  if (core_->SQLQry->IsEmpty()) {
     core_->WriteErrorEntry(message_class_ +
                            "::FormatExcelCell Error: Empty Excel Export Keyword Information.");
     return std::nullopt;

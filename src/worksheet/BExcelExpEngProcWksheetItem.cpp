@@ -140,7 +140,7 @@ void BExcelExpEngProcWksheetItem::DeleteAnalysisData() {
     const bool found =
         core_->ExecuteSQL("SELECT FinancialAnalysProjId FROM FinancialRpt" + std::string(28, ' ') +
                           "WHERE FinancialRptId = " + SqlText(report)) &&
-        core_->SQLQry->RowCount() > 0;
+        !core_->SQLQry->IsEmpty();
     DeleteProjectRequest = std::make_unique<AnlysProjectStructure>();
     if (found)
       DeleteProjectRequest->AnlysProjectId = core_->SQLQry->FieldByName("FinancialAnalysProjId").AsString();

@@ -51,7 +51,7 @@ int BExcelExpEngWksheet::ExecuteOperation() {
                         kWhere, "ExcelWorksheetItemQry", Rows::kOptional)) {
     return 0;
   }
-  if (ExcelWorksheetItemQry.RowCount() == 0) {
+  if (ExcelWorksheetItemQry.IsEmpty()) {
     core_->WriteUserEntry("Warning: There are no Excel Worksheet Items under this Excel Worksheet.");
     return 1;
   }
