@@ -4,6 +4,7 @@
 #include "platform/database/SqlText.h"
 #include "platform/host/Format.h"
 #include "services/BExcelExpEngCalcFields.h"
+#include "services/FieldColumns.h"
 
 namespace excelexp {
 
@@ -92,8 +93,7 @@ bool BandedFrame::GetIndividualEmpCoyBasisInfo() {
   if (!EntitySql(sql)) return false;
   if (!core_->ExecuteCurEmpCoyBasisSQL(sql))
     return Fail(kOperation, "Error in ExcelRptEmpCoyBasisQry Query.");
-  return !core_->CurEmpCoyBasisQry->IsEmpty() ||
-         Fail(kOperation, "Empty ExcelRptEmpCoyBasisQry Recordset.");
+  return !core_->CurEmpCoyBasisQry->IsEmpty() || Fail(kOperation, "Empty ExcelRptEmpCoyBasisQry Recordset.");
 }
 
 bool BandedFrame::PrintNonGroupingRpt() {
@@ -108,7 +108,7 @@ bool BandedFrame::PrintNonGroupingRpt() {
                         Where("PrintNonGroupingRpt"), "ExcelRptSummLvlItemQry", Rows::kOptional)) {
     return false;
   }
-  ReadMainColumns();
+  main_columns_ = FieldColumns(core_, ExcelRptSummLvlItemQry, names.columns, traits_.by_employee);
   Query& entities = *core_->EmpCoyBasisQry;
   int entity = 0;
   for (entities.First(); !entities.Eof(); entities.Next()) {
@@ -163,27 +163,8 @@ bool BandedFrame::PrintMainInfoColumn(int band_row) {
   if (core_->EmpCoyBasisQry->Bof() && !cells_.WriteTitle(band_row - 1, current_col_, column.title, where)) {
     return false;
   }
-  if (column.field_type.empty()) {
-    core_->CalcFields->Search(column.grouping, column.component, traits_.by_employee, nullptr);
-    column.field_type = core_->CalcFields->GetFieldType();
-  }
   cells_.WriteField(column.field_type, column.component, *core_->CurEmpCoyBasisQry, band_row, current_col_);
   return cells_.Format(column, band_row, current_col_, where);
-}
-
-void BandedFrame::ReadMainColumns() {
-  const DefinitionNames& names = traits_.names;
-  const auto text = [this](std::string_view name) {
-    return ExcelRptSummLvlItemQry.FieldByName(name).AsString();
-  };
-  main_columns_ = core_->Memory->ItemsOf(ExcelRptSummLvlItemQry, core_->ExcelWkSheetTitleColourSchemeId, [&] {
-    KnownColumnItem column;
-    column.grouping = text(names.column_field_table);
-    column.component = text(names.column_field);
-    column.title = text(names.column_title);
-    column.scheme = text("ColourSchemeId");
-    return column;
-  });
 }
 
 bool BandedFrame::PrintItem(WkSheetItem& item) {

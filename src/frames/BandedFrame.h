@@ -67,7 +67,6 @@ class BandedFrame : public ReportFrame {
   bool GetIndividualEmpCoyBasisInfo();
   bool PrintBand();
   bool PrintEmpCoyBasisInfo(int band_row);
-  void ReadMainColumns();
   bool PrintMainInfoColumn(int band_row);
   bool PrintItem(WkSheetItem& item);
   bool PrintFinancialRpt(const std::string& report_id);

@@ -6,6 +6,7 @@
 
 #include "engine/BExcelExpEngCore.h"
 #include "layouts/ReportLayout.h"
+#include "services/FieldColumns.h"
 
 namespace excelexp {
 
@@ -31,9 +32,7 @@ struct DefinitionNames {
   std::string_view column_table;
   std::string_view column_order;
   std::string_view column_is_main_info;
-  std::string_view column_title;
-  std::string_view column_field_table;
-  std::string_view column_field;
+  FieldColumnNames columns;
 };
 
 /// Whether a row of the layout table or of the summing layouts is for projects that tell balances as of a

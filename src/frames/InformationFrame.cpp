@@ -27,9 +27,7 @@ constexpr DefinitionNames kNames = {.report_key = "EmpInfoRptId",
                                     .column_table = "EmpColItem",
                                     .column_order = "EmpColItemOrder",
                                     .column_is_main_info = "EmpColIsRptMainInfo",
-                                    .column_title = "EmpColItemTitle",
-                                    .column_field_table = "EmpColSysTableId",
-                                    .column_field = "EmpColSysAttributeId"};
+                                    .columns = kEmployeeReportColumns};
 
 constexpr std::array<SummingLayout, 4> kSummingBesideEmployees = {{
     {"BreakdownList", AsOfDate::kAny, 0},

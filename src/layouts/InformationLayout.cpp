@@ -3,8 +3,7 @@
 #include "engine/DefinitionTables.h"
 #include "platform/database/DatabaseRegistry.h"
 #include "platform/database/SqlText.h"
-#include "platform/host/CommonLibrary.h"
-#include "services/BExcelExpEngCalcFields.h"
+#include "services/FieldColumns.h"
 
 namespace excelexp {
 namespace {
@@ -45,6 +44,7 @@ bool InformationLayout::ExecuteOperation() {
     core_->WriteUserEntry("Warning: Column Items are not set for " + core_->ExcelWSItemRptId + ".");
     return true;
   }
+  columns_ = FieldColumns(core_, EmployeeColItemQry, kEmployeeReportColumns, traits_.population.by_employee);
   if (!OpenData()) return false;
   current_row_ = core_->StartPrintedRow;
   do {
@@ -93,16 +93,10 @@ bool InformationLayout::OpenData() {
   return core_->OpenOrLog(EmpRptInfoQry, sql, Where("ExecuteOperation"), "EmpRptInfoQry", Rows::kOptional);
 }
 
-std::string InformationLayout::SelectList() {
+std::string InformationLayout::SelectList() const {
   std::string list;
-  for (EmployeeColItemQry.First(); !EmployeeColItemQry.Eof(); EmployeeColItemQry.Next()) {
-    const auto text = [this](std::string_view name) {
-      return EmployeeColItemQry.FieldByName(name).AsString();
-    };
-    if (text("EmpColItemType") == item_type::kBlank) continue;
-    if (!list.empty()) list += ", ";
-    list += core_->CalcFields->GetSelectList(text("EmpColSysTableId"), text("EmpColSysAttributeId"),
-                                             traits_.population.by_employee);
+  for (const KnownColumnItem& column : *columns_) {
+    if (column.type != item_type::kBlank) list += (list.empty() ? "" : ", ") + column.select;
   }
   return list;
 }
@@ -110,40 +104,26 @@ std::string InformationLayout::SelectList() {
 bool InformationLayout::PrintEmployeeInfo() {
   core_->WriteBanner(Memo::kInternal, {"      PRINT EMPLOYEE INFORMATION PROCESSING     "});
   const bool with_title = core_->EmpCoyBasisQry->Bof() && EmpRptInfoQry.Bof();
-  for (EmployeeColItemQry.First(); !EmployeeColItemQry.Eof(); EmployeeColItemQry.Next()) {
-    if (!PrintColumn(with_title)) return false;
+  for (KnownColumnItem& column : *columns_) {
+    if (!PrintColumn(column, with_title)) return false;
     ++current_col_;
   }
   return true;
 }
 
-bool InformationLayout::PrintColumn(bool with_title) {
+bool InformationLayout::PrintColumn(KnownColumnItem& column, bool with_title) {
   const OperationName where = Where("PrintEmployeeInfo");
-  const auto text = [this](std::string_view name) { return EmployeeColItemQry.FieldByName(name).AsString(); };
-  const std::string scheme = text("ColourSchemeId");
-  if (!cells_.OpenSchemes(scheme, where)) return false;
-  if (with_title && !cells_.WriteTitle(current_row_ - 1, current_col_, text("EmpColItemTitle"), where)) {
-    return false;
-  }
-  if (text("EmpColItemType") == item_type::kBlank) {
+  if (!cells_.OpenSchemes(column, where)) return false;
+  if (with_title && !cells_.WriteTitle(current_row_ - 1, current_col_, column.title, where)) return false;
+  if (column.type == item_type::kBlank) {
     cells_.WriteText(current_row_, current_col_, "");
+  } else if (EmpRptInfoQry.IsEmpty()) {
+    cells_.FieldType().OutputBlank(GetCellName(current_row_, current_col_), column.field_type, current_row_,
+                                   current_col_, false);
   } else {
-    PrintValue();
+    cells_.WriteField(column.field_type, column.component, EmpRptInfoQry, current_row_, current_col_);
   }
-  return cells_.Format(scheme, current_row_, current_col_, where);
-}
-
-void InformationLayout::PrintValue() {
-  const std::string attribute = EmployeeColItemQry.FieldByName("EmpColSysAttributeId").AsString();
-  core_->CalcFields->Search(EmployeeColItemQry.FieldByName("EmpColSysTableId").AsString(), attribute,
-                            traits_.population.by_employee, nullptr);
-  const std::string& type = core_->CalcFields->GetFieldType();
-  if (EmpRptInfoQry.RowCount() > 0) {
-    cells_.WriteField(type, attribute, EmpRptInfoQry, current_row_, current_col_);
-  } else {
-    cells_.FieldType().OutputBlank(GetCellName(current_row_, current_col_), type, current_row_, current_col_,
-                                   false);
-  }
+  return cells_.Format(column, current_row_, current_col_, where);
 }
 
 }  // namespace excelexp

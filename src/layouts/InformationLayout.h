@@ -36,9 +36,8 @@ class InformationLayout : public ReportLayout {
   OperationName Where(std::string_view operation) const;
   bool OpenReport();
   bool OpenData();
-  std::string SelectList();
-  bool PrintColumn(bool with_title);
-  void PrintValue();
+  std::string SelectList() const;
+  bool PrintColumn(KnownColumnItem& column, bool with_title);
 
   BExcelExpEngCore* core_;
   const InformationTraits& traits_;
@@ -47,6 +46,7 @@ class InformationLayout : public ReportLayout {
   Query EmpRptInfoQry;
   Query EmployeeColItemQry;
   Query ColourSchemeQry;
+  std::shared_ptr<std::vector<KnownColumnItem>> columns_;  // of the rows of EmployeeColItemQry
   CellPrinter cells_;
   int current_col_ = 1;
   int current_row_ = 1;

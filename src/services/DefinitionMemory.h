@@ -64,7 +64,8 @@ struct KnownColumnItem {
   std::string title;
   std::string scheme;
   std::string formula;
-  std::string field_type;  ///< of an entity's field, once it was searched
+  std::string select;      ///< of an entity's field: its item of a select list
+  std::string field_type;  ///< of an entity's field
   std::shared_ptr<SchemeSet> schemes;
   std::optional<PreparedStyle> style;  ///< of its scheme, once a cell was formatted by it
   std::optional<ValueColumn> value;
@@ -77,11 +78,12 @@ struct DefinitionMemory {
   Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< see ItemsOf
 
   /// The items of the query's rows, in their order; `read` makes one of the row that the query stands on.
-  /// Read once for a statement and a title scheme, which goes with each item's own.
+  /// Read once for a statement and a context: what else is remembered with an item, such as schemes that were
+  /// opened together with the worksheet's title scheme.
   template <typename Read>
-  std::shared_ptr<std::vector<KnownColumnItem>> ItemsOf(Query& rows, const std::string& title_scheme,
+  std::shared_ptr<std::vector<KnownColumnItem>> ItemsOf(Query& rows, const std::string& context,
                                                         const Read& read) {
-    const std::string question = rows.DatabaseName() + "\n" + title_scheme + "\n" + rows.Sql();
+    const std::string question = rows.DatabaseName() + "\n" + context + "\n" + rows.Sql();
     if (const auto* known = column_items.Find(question)) return *known;
     auto items = std::make_shared<std::vector<KnownColumnItem>>();
     for (rows.First(); !rows.Eof(); rows.Next()) items->push_back(read());
