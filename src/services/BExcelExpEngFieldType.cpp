@@ -54,7 +54,7 @@ const CodeWord* FindWord(std::string_view column_type, std::string_view field, s
 
 int BExcelExpEngFieldType::Output(const std::string& cell_name, const std::string& column_type,
                                   const std::string& field_name, const Query* source, int row, int column) {
-  SelectList.clear();
+  written_ = false;
   try {
     OutputValue(cell_name, column_type, field_name, source->FieldByName(field_name), row, column);
     return 1;
@@ -67,34 +67,35 @@ void BExcelExpEngFieldType::OutputValue(const std::string& cell_name, const std:
                                         const std::string& field_name, const Field& field, int row,
                                         int column) {
   if (column_type == "char") {
-    const std::string text = field.AsString();
+    std::string text = field.AsString();
     const CodeWord* word = FindWord(column_type, field_name, text);
     WriteText(row, column, word != nullptr ? std::string(word->word) : text);
-    SetSelectList("'", text, field_name);
+    NoteWritten("'", std::move(text), field_name);
   } else if (column_type == "integer" || column_type == "smallint") {
     const int number = field.AsInteger();
-    const CodeWord* word = FindWord(column_type, field_name, std::to_string(number));
+    std::string text = std::to_string(number);
+    const CodeWord* word = FindWord(column_type, field_name, text);
     word != nullptr ? WriteText(row, column, std::string(word->word)) : WriteNumber(row, column, number);
-    SetSelectList("", std::to_string(number), field_name);
+    NoteWritten("", std::move(text), field_name);
   } else if (column_type == "double" || column_type == "decimal") {
     const double number = field.AsFloat();
     WriteNumber(row, column, number);
     core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell_name,
                                          core_->NumberFormat);
-    SetSelectList("", FormatFloat("#0.00;-#0.00", number), field_name);
+    NoteWritten("", number, field_name);
   } else if (column_type == "date") {
-    const std::string date = FormatDateTime("dd/mm/yyyy", field.AsDateTime());
+    std::string date = FormatDateTime("dd/mm/yyyy", field.AsDateTime());
     WriteText(row, column, FGetInValidDate(date));
-    SetSelectList("'", date, field_name);
+    NoteWritten("'", std::move(date), field_name);
   } else if (column_type == "time") {
-    const std::string time = FormatDateTime("hh:nn:ss", field.AsDateTime());
+    std::string time = FormatDateTime("hh:nn:ss", field.AsDateTime());
     WriteText(row, column, time);
-    SetSelectList("'", time, field_name);
+    NoteWritten("'", std::move(time), field_name);
   } else if (column_type == "timestamp") {
     const DateTime moment = field.AsDateTime();
-    const std::string text = FormatDateTime("dd/mm/yyyy hh:nn:ss", moment);
+    std::string text = FormatDateTime("dd/mm/yyyy hh:nn:ss", moment);
     WriteText(row, column, IsDateNull(moment) ? "" : text);
-    SetSelectList("'", text, field_name);
+    NoteWritten("'", std::move(text), field_name);
   }
 }
 
@@ -106,7 +107,7 @@ int BExcelExpEngFieldType::OutputBlank(const std::string& cell_name, const std::
     core_->ExcelAPI->NumberFormatOnRange(core_->ExcelWorkbook, core_->ExcelWorksheetName, cell_name,
                                          core_->NumberFormat);
   }
-  SelectList.clear();
+  written_ = false;
   return 1;
 }
 
@@ -116,9 +117,20 @@ std::string BExcelExpEngFieldType::TimeStampDisplayFormat(DateTime value) const 
   return midnight ? "dd/mm/yyyy" : "dd/mm/yyyy hh:nn:ss";
 }
 
-void BExcelExpEngFieldType::SetSelectList(std::string_view quote, std::string_view value,
-                                          const std::string& field_name) {
-  SelectList.assign(quote).append(value).append(quote).append(" AS ").append(field_name);
+void BExcelExpEngFieldType::NoteWritten(std::string_view quote, std::variant<std::string, double> value,
+                                        const std::string& field_name) {
+  written_ = true;
+  written_quote_ = quote;
+  written_value_ = std::move(value);
+  written_field_ = field_name;
+}
+
+std::string BExcelExpEngFieldType::GetSelectList() const {
+  if (!written_) return "";
+  const double* const amount = std::get_if<double>(&written_value_);
+  const std::string value =
+      amount != nullptr ? FormatFloat("#0.00;-#0.00", *amount) : std::get<std::string>(written_value_);
+  return Joined({written_quote_, value, written_quote_, " AS ", written_field_});
 }
 
 void BExcelExpEngFieldType::WriteText(int row, int column, const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "engine/BExcelExpEngCore.h"
 #include "platform/database/Query.h"
@@ -17,7 +18,7 @@ class BExcelExpEngFieldType {
 
   /// The value written last as a select-list item: the value, " AS ", the field's name. A quote inside a text
   /// value is not doubled. "" after OutputBlank and for a column type that is not known.
-  const std::string& GetSelectList() const { return SelectList; }
+  std::string GetSelectList() const;
 
   /// Writes the field of the query's current row into the cell. `cell_name` names the same cell as row and
   /// column. 0 when reading or writing raised an error.
@@ -34,12 +35,17 @@ class BExcelExpEngFieldType {
  private:
   void OutputValue(const std::string& cell_name, const std::string& column_type,
                    const std::string& field_name, const Field& field, int row, int column);
-  void SetSelectList(std::string_view quote, std::string_view value, const std::string& field_name);
+  void NoteWritten(std::string_view quote, std::variant<std::string, double> value,
+                   const std::string& field_name);
   void WriteText(int row, int column, const std::string& text);
   void WriteNumber(int row, int column, double number);
 
   BExcelExpEngCore* core_;
-  std::string SelectList;
+  // What was written last. Hardly anybody asks for it, so it becomes a select-list item then.
+  bool written_ = false;
+  std::string_view written_quote_;
+  std::variant<std::string, double> written_value_;
+  std::string written_field_;
 };
 
 }  // namespace excelexp

@@ -14,10 +14,13 @@ constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "
                                                       "May",       "June",     "July",     "August",
                                                       "September", "October",  "November", "December"};
 
-std::string Padded(int value, std::size_t width) {
-  std::string text = std::to_string(value);
-  if (text.size() < width) text.insert(0, width - text.size(), '0');
-  return text;
+/// With leading zeros up to the width.
+void AppendPadded(std::string& text, int value, std::size_t width) {
+  std::array<char, 12> digits;
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  const auto count = static_cast<std::size_t>(result.ptr - digits.data());
+  if (count < width) text.append(width - count, '0');
+  text.append(digits.data(), count);
 }
 
 char Lower(char c) {
@@ -25,23 +28,24 @@ char Lower(char c) {
 }
 
 /// One token of a date pattern: the letter and how often it stands there.
-std::string DateToken(char letter, std::size_t count, const CivilTime& civil) {
+void AppendDateToken(std::string& text, char letter, std::size_t count, const CivilTime& civil) {
   switch (letter) {
     case 'd':
-      return Padded(civil.day, count);
+      return AppendPadded(text, civil.day, count);
     case 'm':
-      if (count < 3) return Padded(civil.month, count);
-      return std::string(kMonths[static_cast<std::size_t>(civil.month - 1)].substr(0, count == 3 ? 3 : 99));
+      if (count < 3) return AppendPadded(text, civil.month, count);
+      text += kMonths[static_cast<std::size_t>(civil.month - 1)].substr(0, count == 3 ? 3 : 99);
+      return;
     case 'y':
-      return count > 2 ? Padded(civil.year, 4) : Padded(civil.year % 100, 2);
+      return count > 2 ? AppendPadded(text, civil.year, 4) : AppendPadded(text, civil.year % 100, 2);
     case 'h':
-      return Padded(civil.hour, count);
+      return AppendPadded(text, civil.hour, count);
     case 'n':
-      return Padded(civil.minute, count);
+      return AppendPadded(text, civil.minute, count);
     case 's':
-      return Padded(civil.second, count);
+      return AppendPadded(text, civil.second, count);
     default:
-      return Padded(civil.millisecond, count);
+      return AppendPadded(text, civil.millisecond, count);
   }
 }
 
@@ -170,7 +174,7 @@ std::string FormatDateTime(std::string_view pattern, DateTime moment) {
     } else if (std::string_view("dmyhnsz").find(letter) != std::string_view::npos) {
       std::size_t end = i;
       while (end < pattern.size() && Lower(pattern[end]) == letter) ++end;
-      text += DateToken(letter == 'm' && after_hour ? 'n' : letter, end - i, civil);
+      AppendDateToken(text, letter == 'm' && after_hour ? 'n' : letter, end - i, civil);
       after_hour = letter == 'h';
       i = end;
     } else {
