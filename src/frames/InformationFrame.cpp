@@ -5,6 +5,7 @@
 #include "engine/DefinitionTables.h"
 #include "frames/LayoutTable.h"
 #include "platform/database/DatabaseRegistry.h"
+#include "platform/host/Format.h"
 #include "services/BExcelExpEngCalcFields.h"
 
 namespace excelexp {
@@ -162,17 +163,16 @@ bool InformationFrame::EntityListSql(std::string& sql) {
 }
 
 bool InformationFrame::EntitySql(std::string& sql) {
-  sql = "SELECT *, " + core_->CalcFields->GetAllSelectList(people_.population.by_employee) + " FROM " +
-        std::string(people_.record) + " = " +
-        core_->EmpCoyBasisQry->FieldByName(people_.entity_id).AsString();
+  sql = Joined({"SELECT *, ", core_->CalcFields->GetAllSelectList(people_.population.by_employee), " FROM ",
+                people_.record, " = ", core_->EmpCoyBasisQry->FieldByName(people_.entity_id).AsString()});
   return true;
 }
 
 bool InformationFrame::LogEntity() {
   core_->WriteAllMemo("");
   for (const EntityLogLine& line : people_.log) {
-    core_->WriteAllMemo(std::string(line.title) + ": " +
-                        core_->CurEmpCoyBasisQry->FieldByName(line.field).AsString());
+    core_->WriteAllMemo(
+        Joined({line.title, ": ", core_->CurEmpCoyBasisQry->FieldByName(line.field).AsString()}));
   }
   core_->WriteAllMemo("");
   return true;

@@ -3,6 +3,7 @@
 #include "engine/DefinitionTables.h"
 #include "platform/database/DatabaseRegistry.h"
 #include "platform/database/SqlText.h"
+#include "platform/host/Format.h"
 #include "services/FieldColumns.h"
 
 namespace excelexp {
@@ -16,6 +17,14 @@ std::string DatabaseOf(const BExcelExpEngCore* core, const InformationTraits& tr
   return traits.database.empty() ? core->DatabaseName : std::string(traits.database);
 }
 
+std::string SelectList(const std::vector<KnownColumnItem>& columns) {
+  std::string list;
+  for (const KnownColumnItem& column : columns) {
+    if (column.type != item_type::kBlank) list += (list.empty() ? "" : ", ") + column.select;
+  }
+  return list;
+}
+
 }  // namespace
 
 BExcelExpEngEmployeeRpt::BExcelExpEngEmployeeRpt(BExcelExpEngCore* core)
@@ -27,10 +36,7 @@ BExcelExpEngPersonalRpt::BExcelExpEngPersonalRpt(BExcelExpEngCore* core)
 InformationLayout::InformationLayout(BExcelExpEngCore* core, const InformationTraits& traits)
     : core_(core),
       traits_(traits),
-      EmployeeRptQry(DatabaseOf(core, traits)),
-      ExcelEmpRptDetailQry(DatabaseOf(core, traits)),
       EmpRptInfoQry(DatabaseOf(core, traits)),
-      EmployeeColItemQry(DatabaseOf(core, traits)),
       ColourSchemeQry(DatabaseOf(core, traits)),
       cells_(core, &ColourSchemeQry) {}
 
@@ -40,11 +46,10 @@ OperationName InformationLayout::Where(std::string_view operation) const {
 
 bool InformationLayout::ExecuteOperation() {
   if (!OpenReport()) return false;
-  if (EmployeeColItemQry.IsEmpty()) {
+  if (report_->columns->empty()) {
     core_->WriteUserEntry("Warning: Column Items are not set for " + core_->ExcelWSItemRptId + ".");
     return true;
   }
-  columns_ = FieldColumns(core_, EmployeeColItemQry, kEmployeeReportColumns, traits_.population.by_employee);
   if (!OpenData()) return false;
   current_row_ = core_->StartPrintedRow;
   do {
@@ -60,51 +65,64 @@ bool InformationLayout::ExecuteOperation() {
 }
 
 bool InformationLayout::OpenReport() {
+  const std::string question =
+      Joined({traits_.class_name, "\n", EmpRptInfoQry.DatabaseName(), "\n",
+              core_->ExcelWkSheetTitleColourSchemeId, "\n", core_->ExcelWSItemRptId});
+  const auto* const known = core_->Memory->information_reports.Find(question);
+  report_ = known != nullptr ? *known : ReadReport();
+  if (known == nullptr && report_ != nullptr) core_->Memory->information_reports.Keep(question, report_);
+  return report_ != nullptr;
+}
+
+std::shared_ptr<InformationReport> InformationLayout::ReadReport() {
+  Query EmployeeRptQry(EmpRptInfoQry.DatabaseName());
+  Query ExcelEmpRptDetailQry(EmpRptInfoQry.DatabaseName());
+  Query EmployeeColItemQry(EmpRptInfoQry.DatabaseName());
   const OperationName where = Where("ExecuteOperation");
   const std::string report = SqlText(core_->ExcelWSItemRptId);
-  return core_->OpenOrLog(EmployeeRptQry, "SELECT * FROM EmployeeRpt WHERE EmpInfoRptId = " + report, where,
-                          "EmployeeRptQry", Rows::kRequired) &&
-         core_->OpenOrLog(ExcelEmpRptDetailQry,
-                          "SELECT * FROM ExcelEmpRpt WHERE" + std::string(39, ' ') + "ExcelEmpRptId = " +
-                              SqlText(EmployeeRptQry.FieldByName("EmpInfoRptType").AsString()),
-                          where, "ExcelEmpRptDetailQry", Rows::kRequired) &&
-         core_->OpenOrLog(EmployeeColItemQry,
-                          "SELECT * FROM EmpColItem WHERE EmpInfoRptId = " + report + std::string(37, ' ') +
-                              "AND EmpColIsRptMainInfo = 0 ORDER BY EmpColItemOrder",
-                          where, "EmployeeColItemQry", Rows::kOptional);
+  if (!core_->OpenOrLog(EmployeeRptQry, "SELECT * FROM EmployeeRpt WHERE EmpInfoRptId = " + report, where,
+                        "EmployeeRptQry", Rows::kRequired) ||
+      !core_->OpenOrLog(ExcelEmpRptDetailQry,
+                        "SELECT * FROM ExcelEmpRpt WHERE" + std::string(39, ' ') + "ExcelEmpRptId = " +
+                            SqlText(EmployeeRptQry.FieldByName("EmpInfoRptType").AsString()),
+                        where, "ExcelEmpRptDetailQry", Rows::kRequired) ||
+      !core_->OpenOrLog(EmployeeColItemQry,
+                        "SELECT * FROM EmpColItem WHERE EmpInfoRptId = " + report + std::string(37, ' ') +
+                            "AND EmpColIsRptMainInfo = 0 ORDER BY EmpColItemOrder",
+                        where, "EmployeeColItemQry", Rows::kOptional)) {
+    return nullptr;
+  }
+  static const std::string gap(11, ' ');
+  const auto piece = [&ExcelEmpRptDetailQry](std::string_view name) {
+    return ExcelEmpRptDetailQry.FieldByName(name).AsString();
+  };
+  auto known = std::make_shared<InformationReport>();
+  known->columns =
+      FieldColumns(core_, EmployeeColItemQry, kEmployeeReportColumns, traits_.population.by_employee);
+  known->select = "SELECT DISTINCT " + SelectList(*known->columns) + " FROM " + piece("ExcelEmpRptTable1") +
+                  gap + piece("ExcelEmpRptTable2") + gap + piece("ExcelEmpRptTable3") + " WHERE" +
+                  std::string(12, ' ') + QualifiedId(traits_.population) + " = ";
+  const std::string filter = FilterCondition(EmployeeRptQry.FieldByName("EmployeeRptHasFilter").AsInteger(),
+                                             EmployeeRptQry.FieldByName("EmployeeRptFilterCond").AsString());
+  known->filter = filter.empty() ? "" : " AND " + filter;
+  return known;
 }
 
 bool InformationLayout::OpenData() {
-  static const std::string gap(11, ' ');
-  const auto piece = [this](std::string_view name) {
-    return ExcelEmpRptDetailQry.FieldByName(name).AsString();
-  };
   const std::string id =
       std::to_string(core_->EmpCoyBasisQry->FieldByName(traits_.entity_column).AsInteger());
-  std::string sql = "SELECT DISTINCT " + SelectList() + " FROM " + piece("ExcelEmpRptTable1") + gap +
-                    piece("ExcelEmpRptTable2") + gap + piece("ExcelEmpRptTable3") + " WHERE" +
-                    std::string(12, ' ') + QualifiedId(traits_.population) + " = " + id;
-  const std::string filter = FilterCondition(EmployeeRptQry.FieldByName("EmployeeRptHasFilter").AsInteger(),
-                                             EmployeeRptQry.FieldByName("EmployeeRptFilterCond").AsString());
-  if (!filter.empty()) sql += " AND " + filter;
   // In a financial frame the entity need not be an employee of the view: the code of a company, read as a
   // number, may be anybody's id.
-  sql += " AND " + InViewOneByOne(core_, traits_.population, id);
-  return core_->OpenOrLog(EmpRptInfoQry, sql, Where("ExecuteOperation"), "EmpRptInfoQry", Rows::kOptional);
-}
-
-std::string InformationLayout::SelectList() const {
-  std::string list;
-  for (const KnownColumnItem& column : *columns_) {
-    if (column.type != item_type::kBlank) list += (list.empty() ? "" : ", ") + column.select;
-  }
-  return list;
+  return core_->OpenOrLog(
+      EmpRptInfoQry,
+      Joined({report_->select, id, report_->filter, " AND ", InViewOneByOne(core_, traits_.population, id)}),
+      Where("ExecuteOperation"), "EmpRptInfoQry", Rows::kOptional);
 }
 
 bool InformationLayout::PrintEmployeeInfo() {
   core_->WriteBanner(Memo::kInternal, {"      PRINT EMPLOYEE INFORMATION PROCESSING     "});
   const bool with_title = core_->EmpCoyBasisQry->Bof() && EmpRptInfoQry.Bof();
-  for (KnownColumnItem& column : *columns_) {
+  for (KnownColumnItem& column : *report_->columns) {
     if (!PrintColumn(column, with_title)) return false;
     ++current_col_;
   }

@@ -26,7 +26,7 @@ class InformationLayout : public ReportLayout {
   InformationLayout(BExcelExpEngCore* core, const InformationTraits& traits);
 
   bool ExecuteOperation() override;
-  /// Prints one row of the block at the current row, from the current column on.
+  /// Prints one row of the block at the current row, from the current column on; part of ExecuteOperation.
   bool PrintEmployeeInfo();
 
   void SetLastPrintedCol(int column) { core_->SetLastPrintedCol(column); }
@@ -35,18 +35,15 @@ class InformationLayout : public ReportLayout {
  private:
   OperationName Where(std::string_view operation) const;
   bool OpenReport();
+  std::shared_ptr<InformationReport> ReadReport();
   bool OpenData();
-  std::string SelectList() const;
   bool PrintColumn(KnownColumnItem& column, bool with_title);
 
   BExcelExpEngCore* core_;
   const InformationTraits& traits_;
-  Query EmployeeRptQry;
-  Query ExcelEmpRptDetailQry;
+  std::shared_ptr<InformationReport> report_;
   Query EmpRptInfoQry;
-  Query EmployeeColItemQry;
   Query ColourSchemeQry;
-  std::shared_ptr<std::vector<KnownColumnItem>> columns_;  // of the rows of EmployeeColItemQry
   CellPrinter cells_;
   int current_col_ = 1;
   int current_row_ = 1;

@@ -139,11 +139,7 @@ std::string BExcelExpEngCalcFields::GetSelectList(const std::string& table, cons
 
 const std::string& BExcelExpEngCalcFields::GetAllSelectList(int by_employee) {
   std::string& all = all_select_lists_[by_employee != 0 ? 1 : 0];
-  if (!all.empty()) {
-    Search("Personal", std::string(kPersonalCodes.back()), by_employee,
-           nullptr);  // as after listing them all
-    return all;
-  }
+  if (!all.empty()) return all;
   const auto append = [&](const std::string& table, std::string_view attribute) {
     if (!all.empty()) all += ", ";
     all += GetSelectList(table, std::string(attribute), by_employee);

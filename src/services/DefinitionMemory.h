@@ -71,11 +71,20 @@ struct KnownColumnItem {
   std::optional<ValueColumn> value;
 };
 
+/// An information report as its layout prints it for one person after the other.
+struct InformationReport {
+  std::string select;  ///< of a person's data, up to the id
+  std::string filter;  ///< what follows the id, "" for a report without filter
+  std::shared_ptr<std::vector<KnownColumnItem>> columns;
+};
+
 /// What a run has learnt from the definition tables, so that it asks them once instead of for every cell.
 struct DefinitionMemory {
   Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
   Remembered<ValueColumn> value_columns;               ///< by grouping, component and column, one a line
   Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< see ItemsOf
+  Remembered<std::shared_ptr<InformationReport>>
+      information_reports;  ///< by layout, database, title scheme, id
 
   /// The items of the query's rows, in their order; `read` makes one of the row that the query stands on.
   /// Read once for a statement and a context: what else is remembered with an item, such as schemes that were

@@ -1,5 +1,7 @@
 #include "services/Population.h"
 
+#include "platform/host/Format.h"
+
 namespace excelexp {
 namespace {
 
@@ -7,23 +9,21 @@ std::string ViewTable(const BExcelExpEngCore* core) {
   return core->QueryViewTable == nullptr ? "" : core->QueryViewTable->sGetViewTableName();
 }
 
-std::string SelectFromView(const BExcelExpEngCore* core, const Population& population) {
-  return QualifiedId(population) + " IN (SELECT " + std::string(population.id) + " FROM " + ViewTable(core);
-}
-
 }  // namespace
 
 std::string QualifiedId(const Population& population) {
-  return std::string(population.table) + "." + std::string(population.id);
+  return Joined({population.table, ".", population.id});
 }
 
 std::string InView(const BExcelExpEngCore* core, const Population& population) {
-  return SelectFromView(core, population) + ")";
+  return Joined(
+      {population.table, ".", population.id, " IN (SELECT ", population.id, " FROM ", ViewTable(core), ")"});
 }
 
 std::string InViewOneByOne(const BExcelExpEngCore* core, const Population& population,
                            const std::string& id) {
-  return SelectFromView(core, population) + " WHERE " + std::string(population.id) + " = " + id + ")";
+  return Joined({population.table, ".", population.id, " IN (SELECT ", population.id, " FROM ",
+                 ViewTable(core), " WHERE ", population.id, " = ", id, ")"});
 }
 
 std::string FilterCondition(int has_filter, const std::string& condition) {
