@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/HeldTableModule.h"
 #include "platform/database/Names.h"
 #include "platform/database/QueryPlan.h"
 #include "platform/database/SqlClauses.h"
@@ -51,35 +52,26 @@ class DistinctStatement {
 
   const std::string& Table() const { return table_; }
 
-  /// Whether there is but one order of the rows: each column that is no constant is sorted by.
-  bool IsInTotalOrder() const {
-    const auto is_comma = [](const SqlToken& token) { return token.IsMark(','); };
-    if (order_.Size() < 3) return false;
-    const std::vector<TokenSpan> terms = SplitSpan(tokens_, {order_.begin + 2, order_.end}, is_comma);
-    return std::ranges::all_of(SplitSpan(tokens_, list_, is_comma), [&](const TokenSpan& item) {
-      const bool named = item.Size() > 2 && tokens_[item.end - 2].IsWord("as");
-      const TokenSpan expression = {item.begin, named ? item.end - 2 : item.end};
-      const std::string name = named ? NameOf(tokens_[item.end - 1]) : "";
-      return IsValue(tokens_, expression) || std::ranges::any_of(terms, [&](const TokenSpan& term) {
-               const bool is_name = named && term.Size() == 1 && SameName(NameOf(tokens_[term.begin]), name);
-               return is_name || TextOf(term) == TextOf(expression);
-             });
-    });
-  }
-
-  /// `join` stands between the table and what it is joined with.
-  std::string Rewritten(std::string_view join) const {
+  /// Rows alike are made one by a select of their own.
+  std::string Rewritten() const {
     const SqlToken& table = tokens_[from_.begin];
     std::string columns;
     for (const std::string& column : columns_) columns += (columns.empty() ? "" : ", ") + QuoteName(column);
     std::string text(sql_.substr(0, table.begin));
     text.append("(SELECT DISTINCT ").append(columns).append(" FROM ").append(table.text);
     text.append(Conditions(" WHERE ", moved_)).append(") AS ").append(table.text);
-    const std::size_t joined = join.empty() ? table.End() : JoinEnd();
-    text.append(join).append(sql_.substr(joined, tokens_[from_.end].begin - joined));
+    text.append(sql_.substr(table.End(), tokens_[from_.end].begin - table.End()));
     text.append(Conditions("WHERE ", kept_));
     if (order_.Size() > 0) text.append(" ").append(sql_.substr(tokens_[order_.begin].begin));
     return text;
+  }
+
+  /// Of a held table: it gives of rows alike the first.
+  std::string WithEachOnce() const {
+    const SqlToken& table = tokens_[from_.begin];
+    std::string text(sql_.substr(0, table.begin));
+    text.append(QuoteName(EachOnce(table_))).append(" AS ").append(table.text);
+    return text.append(sql_.substr(table.End()));
   }
 
  private:
@@ -172,16 +164,6 @@ class DistinctStatement {
     return (has("char") || has("clob") || has("text")) && !has("int");
   }
 
-  std::string_view TextOf(const TokenSpan& span) const {
-    const std::size_t begin = tokens_[span.begin].begin;
-    return sql_.substr(begin, tokens_[span.end - 1].End() - begin);
-  }
-
-  /// Behind the comma, JOIN or INNER JOIN that follows the table.
-  std::size_t JoinEnd() const {
-    return tokens_[from_.begin + (tokens_[from_.begin + 1].IsWord("inner") ? 2 : 1)].End();
-  }
-
   std::string Conditions(std::string_view begin, const std::vector<TokenSpan>& conditions) const {
     std::string text;
     for (const TokenSpan& each : conditions) {
@@ -203,21 +185,11 @@ class DistinctStatement {
   std::vector<std::string> columns_;
 };
 
-constexpr std::string_view kVirtualTable = " VIRTUAL TABLE INDEX ";
-
-bool ReadsHeldTable(const PlanStep& step) {
-  return step.text.find(kVirtualTable) != std::string::npos;
-}
-
-/// The number of a subselect says only where in the text it stands; and in which columns the rows of a held
-/// table are to differ says nothing about their order.
-std::string WithoutNumber(std::string step) {
+/// The number of a subselect says only where in the text it stands.
+std::string WithoutNumber(const std::string& step) {
   constexpr std::string_view kSubquery = "SUBQUERY ";
-  if (const std::size_t found = step.find(kSubquery); found != std::string::npos)
-    return step.substr(0, found + kSubquery.size());
-  const std::size_t held = step.find(kVirtualTable);
-  const std::size_t number = held == std::string::npos ? held : step.find(':', held);
-  return number == std::string::npos ? step : step.substr(0, step.find(':', number + 1));
+  const std::size_t found = step.find(kSubquery);
+  return found == std::string::npos ? step : step.substr(0, found + kSubquery.size());
 }
 
 /// The plan of a rewritten statement with the steps that find the distinct rows in place of the one that
@@ -231,37 +203,43 @@ std::vector<PlanStep> WithDistinctInPlace(const std::vector<PlanStep>& plan, con
     if (!inside) rest.push_back(step);
     if (inside && step.depth > 0) distinct.push_back({step.depth - 1, step.text});
   }
-  // A held table leaves out most rows that are alike by itself; what the database does about the others keeps
-  // the first of them, in the order in which they come.
-  if (std::ranges::any_of(distinct, ReadsHeldTable)) {
-    std::erase_if(distinct, [](const PlanStep& step) {
-      return step.depth == 0 && step.text == "USE TEMP B-TREE FOR DISTINCT";
-    });
-  }
   const auto reads = std::ranges::find(rest, PlanStep{0, "SCAN " + table});
   if (reads == rest.end()) return {};
   rest.insert(rest.erase(reads), distinct.begin(), distinct.end());
   return rest;
 }
 
-bool FindsRowsAlike(const std::vector<PlanStep>& plan, const std::vector<PlanStep>& rewritten,
-                    const std::string& table) {
-  return std::ranges::equal(
-      plan, WithDistinctInPlace(rewritten, table), [](const PlanStep& left, const PlanStep& right) {
-        return left.depth == right.depth && WithoutNumber(left.text) == WithoutNumber(right.text);
-      });
+/// Where the plan reads the held table; the plan's end for a stored one.
+std::vector<PlanStep>::iterator ReadingOfHeld(std::vector<PlanStep>& plan, const std::string& table) {
+  const std::string reading = "SCAN " + table + " VIRTUAL TABLE INDEX ";
+  return std::ranges::find_if(
+      plan, [&](const PlanStep& step) { return step.depth == 0 && step.text.starts_with(reading); });
+}
+
+/// The same without what tells the table which columns are to differ.
+std::vector<PlanStep> WithEveryRow(std::vector<PlanStep> plan, const std::string& table) {
+  const auto reading = ReadingOfHeld(plan, table);
+  if (reading != plan.end()) reading->text.resize(reading->text.rfind(':'));
+  return plan;
+}
+
+bool FindsRowsAlike(const std::vector<PlanStep>& plan, const std::vector<PlanStep>& rewritten) {
+  return std::ranges::equal(plan, rewritten, [](const PlanStep& left, const PlanStep& right) {
+    return left.depth == right.depth && WithoutNumber(left.text) == WithoutNumber(right.text);
+  });
 }
 
 /// The statement in the form that does not change its answer; nothing when none is known.
 std::optional<std::string> Rewritten(const SqliteConnection& connection, const std::string& sql,
-                                     bool is_sorted, const DistinctStatement& statement) {
+                                     const DistinctStatement& statement) {
   try {
-    const std::vector<PlanStep> plan = PlanOf(connection, sql);
-    const bool held = std::ranges::any_of(plan, ReadsHeldTable);
-    if (held && (is_sorted || statement.IsInTotalOrder())) return statement.Rewritten("");
-    // The rows of a held table come first in this plan too, if they do in the other.
-    std::string rewritten = statement.Rewritten(held ? " CROSS JOIN" : "");
-    if (FindsRowsAlike(plan, PlanOf(connection, rewritten), statement.Table())) return rewritten;
+    std::vector<PlanStep> plan = PlanOf(connection, sql);
+    const std::string& table = statement.Table();
+    const bool held = ReadingOfHeld(plan, table) != plan.end();
+    std::string rewritten = held ? statement.WithEachOnce() : statement.Rewritten();
+    const std::vector<PlanStep> other = PlanOf(connection, rewritten);
+    if (FindsRowsAlike(plan, held ? WithEveryRow(other, table) : WithDistinctInPlace(other, table)))
+      return rewritten;
   } catch (const DatabaseError&) {
     // Of the statement as it is the caller will be told what is wrong.
   }
@@ -286,7 +264,7 @@ std::string JoinWhatIsDistinct(const std::string& sql, const SqliteConnection& c
   const std::string part = sql.substr(begin, end - begin);
   DistinctStatement statement(part, connection, guard);
   if (!statement.Parse(find_table)) return sql;
-  const std::optional<std::string> rewritten = Rewritten(connection, part, begin > 0, statement);
+  const std::optional<std::string> rewritten = Rewritten(connection, part, statement);
   return rewritten ? sql.substr(0, begin) + *rewritten + sql.substr(end) : sql;
 }
 

@@ -16,6 +16,8 @@ class SqliteGuard;
 /// same way (QueryPlan) and gets T's distinct ones from an index, in the order in which it found them before.
 /// Everything else stays as it is, byte for byte: so does whatever the rule does not know.
 ///
+/// A held table tells its distinct rows by itself (EachOnce), and the statement only asks it to.
+///
 /// For a statement with its joins completed (RewriteSql); one that is sorted last (SortWhatIsDistinct) is
 /// rewritten inside its parentheses.
 std::string JoinWhatIsDistinct(const std::string& sql, const SqliteConnection& connection,

@@ -22,6 +22,7 @@ namespace {
 
 struct Table : sqlite3_vtab {
   const HeldTable* held;
+  bool each_once;
 };
 
 /// The rows of one key that a search goes through.
@@ -83,7 +84,10 @@ int Guarded(const Work& work) {
 
 int Connect(sqlite3* handle, void* tables, int /*count*/, const char* const* arguments, sqlite3_vtab** made,
             char** /*error*/) {
-  const HeldTable* held = static_cast<HeldTables*>(tables)->Find(arguments[2]);
+  std::string_view name = arguments[2];
+  const bool each_once = name.ends_with(kEachOnce);
+  if (each_once) name.remove_suffix(kEachOnce.size());
+  const HeldTable* held = static_cast<HeldTables*>(tables)->Find(name);
   if (held == nullptr) return SQLITE_ERROR;
   return Guarded([&] {
     std::string declaration;
@@ -97,6 +101,7 @@ int Connect(sqlite3* handle, void* tables, int /*count*/, const char* const* arg
     sqlite3_vtab_config(handle, SQLITE_VTAB_INNOCUOUS);
     auto table = std::make_unique<Table>();
     table->held = held;
+    table->each_once = each_once;
     *made = table.release();
   });
 }
@@ -151,8 +156,9 @@ sqlite3_int64 GuessedRows(int columns) {
   return columns == 0 ? kAllRows : std::max(1, 11 - columns);
 }
 
-int BestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
-  const HeldTable& held = *static_cast<Table*>(table)->held;
+int BestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
+  const Table& table = *static_cast<Table*>(base);
+  const HeldTable& held = *table.held;
   return Guarded([&] {
     std::string plan;
     std::size_t keys = 0;
@@ -172,7 +178,8 @@ int BestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
     info->estimatedRows = GuessedRows(places);
     info->estimatedCost = static_cast<double>(info->estimatedRows) * 2 + 10;
     // Of rows alike in all columns that the statement sees, a DISTINCT needs one.
-    if (sqlite3_vtab_distinct(info) >= 2) plan += kDistinct + std::to_string(info->colUsed);
+    if (table.each_once || sqlite3_vtab_distinct(info) >= 2)
+      plan += kDistinct + std::to_string(info->colUsed);
     info->idxStr = sqlite3_mprintf("%s", plan.c_str());
     if (info->idxStr == nullptr) throw std::bad_alloc();
     info->needToFreeIdxStr = 1;

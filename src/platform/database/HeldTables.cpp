@@ -99,9 +99,14 @@ void HeldTables::Install(std::unique_ptr<HeldTable> table) {
   by_name_[FoldName(name)] = std::move(table);
   try {
     RepeatViewsOver(name);
-    connection_.Execute(
-        ("CREATE VIRTUAL TABLE temp." + QuoteName(name) + " USING " + kHeldTableModule).c_str());
+    // The table itself comes last: until then it is not hidden.
+    for (const std::string& shown : {EachOnce(name), name}) {
+      connection_.Execute(
+          ("CREATE VIRTUAL TABLE temp." + QuoteName(shown) + " USING " + kHeldTableModule).c_str());
+    }
   } catch (...) {
+    const std::string drop = "DROP TABLE IF EXISTS temp." + QuoteName(EachOnce(name));
+    sqlite3_exec(connection_.Handle(), drop.c_str(), nullptr, nullptr, nullptr);
     by_name_.erase(FoldName(name));
     throw;
   }

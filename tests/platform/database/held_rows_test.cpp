@@ -231,6 +231,10 @@ TEST_F(HeldRowsTest, EveryStatementIsAnsweredAsByTheStoredTable) {
       "SELECT DISTINCT Basis1 FROM Rec ORDER BY Basis1",
       "SELECT DISTINCT Basis1, '' AS Basis2, EmployeeName" + people + " ORDER BY EmployeeName, Basis1",
       "SELECT DISTINCT EmployeeName" + people + " ORDER BY EmployeeName",
+      "SELECT DISTINCT Basis1, Basis2, K.KindDesc FROM Rec, (SELECT * FROM Kind UNION SELECT '', '') AS K "
+      "WHERE Project = 'P' AND Address = 'k_2' AND Rec.KindId = K.KindId ORDER BY K.KindDesc",
+      "SELECT DISTINCT Basis2, Printed FROM Rec, Section WHERE Rec.SectionId = Section.SectionId AND Project "
+      "= 'P' AND Address = 'k_2' AND (SELECT COUNT(*) FROM Rec r WHERE r.Basis2 = Rec.Basis2) > 200",
       "SELECT Amount, EmployeeName" + people + " ORDER BY Amount",
       "SELECT DISTINCT COUNT(*), COUNT(DISTINCT Basis1), SUM(Amount)" + mine,
       "SELECT COUNT(DISTINCT Basis1)" + mine,
