@@ -203,18 +203,14 @@ bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const 
   if (count == 0) return true;
   const HeldColumn* const reference = reference_ < 0 ? nullptr : &found.rows->Column(reference_);
   if (reference != nullptr && !reference->HasCodes()) return false;
-  if (found.rows != joined_rows_.lock() || generation != joined_generation_) {
-    joined_rows_ = found.rows;
-    joined_generation_ = generation;
-    joined_results_.clear();
-  }
+  Joined* const joined_here = reference == nullptr ? nullptr : &JoinedTo(found.rows, generation);
   constexpr HeldColumn::Code kNone = std::numeric_limits<HeldColumn::Code>::max();
   std::vector<HeldColumn::Code> above(wanted.size(), kNone);  // codes in the row above
   const ResultSet* joined_above = nullptr;
   bool has_rows = false;
   for (const std::size_t row : std::span(found.places).first(count)) {
     const ResultSet* const joined =
-        reference == nullptr ? nullptr : &Joined(*reference, reference->CodeAt(row), read);
+        reference == nullptr ? nullptr : &ReadJoined(*reference, reference->CodeAt(row), read, *joined_here);
     const int matches = joined == nullptr ? 1 : joined->RowCount();
     for (int match = 0; match < matches; ++match) {
       // A block of rows of a result begins anew: there is no row above.
@@ -239,16 +235,26 @@ bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const 
   return has_rows || count == found.places.size();
 }
 
-const ResultSet& HeldSelect::Joined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read) {
-  if (code >= joined_results_.size()) joined_results_.resize(reference.CodeCount());
-  std::shared_ptr<const ResultSet>& joined = joined_results_[code];
-  if (joined == nullptr) {
+HeldSelect::Joined& HeldSelect::JoinedTo(const std::shared_ptr<const HeldRows>& rows,
+                                         std::uint64_t generation) {
+  if (generation != std::exchange(joined_generation_, generation)) joined_rows_.clear();
+  const auto known = std::ranges::find_if(
+      joined_rows_, [&rows](const JoinedRows& each) { return each.rows.lock() == rows; });
+  if (known != joined_rows_.end()) return known->joined;
+  return joined_rows_.emplace_back(rows).joined;
+}
+
+const ResultSet& HeldSelect::ReadJoined(const HeldColumn& reference, HeldColumn::Code code,
+                                        const ReadOne& read, Joined& joined) const {
+  if (code >= joined.size()) joined.resize(reference.CodeCount());
+  std::shared_ptr<const ResultSet>& result = joined[code];
+  if (result == nullptr) {
     // What is no text equals none: no bytes at all are bound as NULL.
     const HeldValue value = reference.ValueOf(code);
     const bool is_text = value.kind == HeldValue::Kind::kText;
-    joined = read(joined_.statement.get(), is_text ? value.bytes : std::string_view());
+    result = read(joined_.statement.get(), is_text ? value.bytes : std::string_view());
   }
-  return *joined;
+  return *result;
 }
 
 }  // namespace excelexp

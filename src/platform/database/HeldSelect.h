@@ -65,7 +65,11 @@ class HeldSelect {
   bool TakeReference(const TableShape& held);
   bool CompileJoined(const Compile& compile);
   bool TakeColumns(sqlite3_stmt* whole);
-  const ResultSet& Joined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read);
+  /// What is joined, by the code of the reference; null where nobody asked.
+  using Joined = std::vector<std::shared_ptr<const ResultSet>>;
+  Joined& JoinedTo(const std::shared_ptr<const HeldRows>& rows, std::uint64_t generation);
+  const ResultSet& ReadJoined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read,
+                              Joined& joined) const;
 
   const HeldTable* table_ = nullptr;
   std::vector<const TableShape*> joined_tables_;
@@ -78,10 +82,13 @@ class HeldSelect {
   CompiledQuery joined_;
   std::vector<Source> sources_;  // of each column of the statement
 
-  // What is joined, by the code of the reference in these rows, which go when their key is released.
-  std::weak_ptr<const HeldRows> joined_rows_;
+  // To the rows of each key, which go when it is released: a report prints items of several keys in turns.
+  struct JoinedRows {
+    std::weak_ptr<const HeldRows> rows;
+    Joined joined;
+  };
+  std::vector<JoinedRows> joined_rows_;
   std::uint64_t joined_generation_ = 0;
-  std::vector<std::shared_ptr<const ResultSet>> joined_results_;
 };
 
 }  // namespace excelexp
