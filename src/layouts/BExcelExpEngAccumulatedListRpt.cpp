@@ -4,6 +4,7 @@
 #include <array>
 
 #include "engine/DefinitionTables.h"
+#include "platform/host/Format.h"
 #include "services/BankPayments.h"
 #include "services/PeriodTexts.h"
 
@@ -54,7 +55,9 @@ bool IsNumeric(const ValueColumn& value) {
 }  // namespace
 
 BExcelExpEngAccumulatedListRpt::BExcelExpEngAccumulatedListRpt(BExcelExpEngCore* core)
-    : ListingLayout(core, kTraits), FinColAccuRangeQry(core->DatabaseName) {}
+    : ListingLayout(core, kTraits),
+      FinColAccuRangeQry(core->DatabaseName),
+      DataRangeQry(core->DatabaseName) {}
 
 bool BExcelExpEngAccumulatedListRpt::ExecuteOperation() {
   return ReadReport() && ReadProject() && OpenRecords() && PrintColumnItems();
@@ -71,33 +74,68 @@ bool BExcelExpEngAccumulatedListRpt::PrintBlock() {
 
 bool BExcelExpEngAccumulatedListRpt::PrintFinancialData() {
   core_->WriteBanner(Memo::kInternal, {kWalk.banner});
-  const bool analysis = Text(FinanceColItemQry, "FinColItemType") == item_type::kAnalysis;
+  const bool analysis = CurrentItem().type == item_type::kAnalysis;
   return (!analysis || OpenRanges()) && WalkColumn(kWalk);
 }
 
+/// What was chosen is asked for once, what the data holds for each entity: another worksheet may have other
+/// data under the same key.
 bool BExcelExpEngAccumulatedListRpt::OpenRanges() {
-  const OperationName where = WalkWhere(kWalk);
-  const std::string chosen = "SELECT * FROM FinColAccumulated WHERE FinColItemSysId = " +
-                             std::to_string(FinanceColItemQry.FieldByName("FinColItemSysId").AsInteger());
-  if (!core_->OpenOrLog(FinColAccuRangeQry, chosen, where, "FinColAccuRangeQry", Rows::kOptional))
+  std::shared_ptr<AccumulatedRanges>& ranges = CurrentItem().ranges;
+  if (ranges == nullptr && !OpenChosenRanges(ranges)) return false;
+  if (!ranges->chosen && !OpenDataRanges(ranges)) return false;
+  ranges_ = ranges;
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::OpenChosenRanges(std::shared_ptr<AccumulatedRanges>& ranges) {
+  const std::string sql = "SELECT * FROM FinColAccumulated WHERE FinColItemSysId = " +
+                          std::to_string(FinanceColItemQry.FieldByName("FinColItemSysId").AsInteger());
+  if (!core_->OpenOrLog(FinColAccuRangeQry, sql, WalkWhere(kWalk), "FinColAccuRangeQry", Rows::kOptional))
     return false;
-  ranges_chosen_ = FinColAccuRangeQry.RowCount() > 0;
-  if (ranges_chosen_) return true;
-  return core_->OpenOrLog(
-      FinColAccuRangeQry,
+  const bool chosen = FinColAccuRangeQry.RowCount() > 0;
+  ranges = std::make_shared<AccumulatedRanges>(chosen, nullptr, ReadRanges(FinColAccuRangeQry, chosen));
+  return true;
+}
+
+bool BExcelExpEngAccumulatedListRpt::OpenDataRanges(std::shared_ptr<AccumulatedRanges>& ranges) {
+  constexpr std::string_view kSelect =
       "SELECT DISTINCT AnlysItemRecYear AS FinColAccuYear, AnlysItemRecPeriodMonth AS FinColAccuMthPeriod, "
       "AnlysItemRecSubPeriod AS FinColAccuSubPeriod, AnlysPayRecBasis AS FinColAccuPayRecIdType FROM "
-      "AnlysItemRecord " +
-          DataCondition() +
-          " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis",
-      where, "FinColAccuRangeQry", Rows::kOptional);
+      "AnlysItemRecord ";
+  constexpr std::string_view kOrder =
+      " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis";
+  if (!DataRangeQry.IsOpen() && !core_->OpenOrLog(DataRangeQry, Joined({kSelect, DataCondition(), kOrder}),
+                                                  WalkWhere(kWalk), "FinColAccuRangeQry", Rows::kOptional)) {
+    return false;
+  }
+  if (ranges->data == DataRangeQry.Result()) return true;
+  ranges->data = DataRangeQry.Result();
+  ranges->list = ReadRanges(DataRangeQry, false);
+  return true;
+}
+
+std::vector<AccumulatedRange> BExcelExpEngAccumulatedListRpt::ReadRanges(Query& rows, bool chosen) const {
+  const bool expands = chosen && FindAllBases(cycle_sub_group_by_) != nullptr;
+  const auto number = [&rows](std::string_view field) { return rows.FieldByName(field).AsInteger(); };
+  std::vector<AccumulatedRange> ranges;
+  for (rows.First(); !rows.Eof(); rows.Next()) {
+    AccumulatedRange& range = ranges.emplace_back();
+    range.period.year = number("FinColAccuYear");
+    range.period.period_month = number("FinColAccuMthPeriod");
+    range.period.sub_period = number("FinColAccuSubPeriod");
+    range.period.pay_record_basis = Text(rows, "FinColAccuPayRecIdType");
+    range.all_bases = expands && range.period.pay_record_basis.empty();
+    if (!range.all_bases) range.keys = {range.period};
+  }
+  return ranges;
 }
 
 bool BExcelExpEngAccumulatedListRpt::PrintAnalysisColumn(const ColumnWalk& walk, const std::string& title,
                                                          const std::string& item_id,
                                                          const std::string& item_type,
                                                          const ValueColumn& value) {
-  if (FinColAccuRangeQry.RowCount() == 0) {
+  if (ranges_->list.empty()) {
     if (!PrintTitle(walk, title)) return false;
     PrintItemValue(walk, item_type, false, value);
     return true;
@@ -122,16 +160,7 @@ bool BExcelExpEngAccumulatedListRpt::PrintRangeTitle(const ColumnWalk& walk, con
   return true;
 }
 
-bool BExcelExpEngAccumulatedListRpt::RangeStandsForAll() const {
-  return ranges_chosen_ && FindAllBases(cycle_sub_group_by_) != nullptr &&
-         Text(FinColAccuRangeQry, "FinColAccuPayRecIdType").empty();
-}
-
-bool BExcelExpEngAccumulatedListRpt::BasesOfRange(std::vector<std::string>& bases) {
-  if (!RangeStandsForAll()) {
-    bases = {Text(FinColAccuRangeQry, "FinColAccuPayRecIdType")};
-    return true;
-  }
+bool BExcelExpEngAccumulatedListRpt::ReadKeys(AccumulatedRange& range) {
   const AllBases* all = FindAllBases(cycle_sub_group_by_);
   const std::string name(all->name);
   if (!core_->ExecuteSQL(std::string(all->sql))) {
@@ -139,53 +168,45 @@ bool BExcelExpEngAccumulatedListRpt::BasesOfRange(std::vector<std::string>& base
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(WalkWhere(kWalk), "Empty " + name + " Information.");
   for (core_->SQLQry->First(); !core_->SQLQry->Eof(); core_->SQLQry->Next()) {
-    bases.push_back(Text(*core_->SQLQry, all->column));
+    range.keys.push_back(range.period);
+    range.keys.back().pay_record_basis = Text(*core_->SQLQry, all->column);
   }
   return true;
 }
 
 bool BExcelExpEngAccumulatedListRpt::Accumulate(const std::string& item_id, const std::string& item_type,
                                                 const ValueColumn& value, Accumulated& result) {
-  const std::string component = Text(FinanceColItemQry, "FinColComponent");
+  const std::string& component = CurrentItem().component;
   const bool non_additive =
       std::find(kNonAdditive.begin(), kNonAdditive.end(), component) != kNonAdditive.end();
-  for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
-    range_.year = FinColAccuRangeQry.FieldByName("FinColAccuYear").AsInteger();
-    range_.period_month = FinColAccuRangeQry.FieldByName("FinColAccuMthPeriod").AsInteger();
-    range_.sub_period = FinColAccuRangeQry.FieldByName("FinColAccuSubPeriod").AsInteger();
-    std::vector<std::string> bases;
-    if (!BasesOfRange(bases)) return false;
-    for (const std::string& basis : bases) {
-      range_.pay_record_basis = basis;
-      if (!LocateItem(item_id, item_type)) continue;
+  const bool whole = IsWholeNumber(value);
+  const bool numeric = IsNumeric(value);
+  for (AccumulatedRange& range : ranges_->list) {
+    if (range.keys.empty() && !ReadKeys(range)) return false;
+    for (const PeriodKey& key : range.keys) {
+      if (!lookup_.Locate(key, item_id, item_type, item_type)) continue;
       result.found = true;
-      result.single = non_additive && !RangeStandsForAll();
+      result.single = non_additive && !range.all_bases;
       if (result.single) return true;
-      if (!IsNumeric(value)) continue;
+      if (!numeric) continue;
       const Field field = AnlysItemRecQry.FieldByName(value.column);
-      result.sum += IsWholeNumber(value) ? field.AsInteger() : field.AsFloat();
+      result.sum += whole ? field.AsInteger() : field.AsFloat();
     }
   }
   return true;
 }
 
-bool BExcelExpEngAccumulatedListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
-  return lookup_.Locate(range_, item_id, item_type, item_type);
-}
-
 std::string BExcelExpEngAccumulatedListRpt::GetAccumulatedRange() {
   if (!ReadCycle(Where("GetAccumulatedRange"))) return "";
   std::string text;
-  for (FinColAccuRangeQry.First(); !FinColAccuRangeQry.Eof(); FinColAccuRangeQry.Next()) {
-    text += (FinColAccuRangeQry.Bof() ? "" : ", ") + RangeText();
-  }
+  for (const AccumulatedRange& range : ranges_->list)
+    text += (&range == &ranges_->list.front() ? "" : ", ") + RangeText(range.period);
   return text;
 }
 
-std::string BExcelExpEngAccumulatedListRpt::RangeText() const {
-  const int year = FinColAccuRangeQry.FieldByName("FinColAccuYear").AsInteger();
-  const int period = FinColAccuRangeQry.FieldByName("FinColAccuMthPeriod").AsInteger();
-  const int sub_period = FinColAccuRangeQry.FieldByName("FinColAccuSubPeriod").AsInteger();
+std::string BExcelExpEngAccumulatedListRpt::RangeText(const PeriodKey& range) const {
+  const int year = range.year;
+  const int period = range.period_month;
   const std::string in_year = "Yr " + std::to_string(year);
   const std::string in_period = in_year + " Pd " + std::to_string(period);
   std::string text;
@@ -196,11 +217,10 @@ std::string BExcelExpEngAccumulatedListRpt::RangeText() const {
   } else if (cycle_group_by_ == "PeriodGrpPd") {
     text = in_period;
   } else if (cycle_group_by_ == "PeriodGrpSubPeriod") {
-    text = in_period + " SP " + std::to_string(sub_period);
+    text = in_period + " SP " + std::to_string(range.sub_period);
   }
   if (FindAllBases(cycle_sub_group_by_) == nullptr) return text;
-  const std::string basis = Text(FinColAccuRangeQry, "FinColAccuPayRecIdType");
-  return text + " " + (basis.empty() ? "ALL" : basis);
+  return text + " " + (range.pay_record_basis.empty() ? "ALL" : range.pay_record_basis);
 }
 
 }  // namespace excelexp

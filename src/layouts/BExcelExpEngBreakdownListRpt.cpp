@@ -177,7 +177,7 @@ bool BExcelExpEngBreakdownListRpt::PrintEmptyTimesheetFinData() {
 }
 
 bool BExcelExpEngBreakdownListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
-  if (!by_basis_pair_) return lookup_.Locate(period_, item_id, item_type, item_type);
+  if (!by_basis_pair_) return ListingLayout::LocateItem(item_id, item_type);
   return lookup_.LocateBasis(period_, Text(TimesheetBasisQry, FirstPairColumn()),
                              Text(TimesheetBasisQry, SecondPairColumn()), item_id, item_type);
 }

@@ -125,8 +125,4 @@ bool LeaveLayout::Walk(const ColumnWalk& walk) {
   return true;
 }
 
-bool LeaveLayout::LocateItem(const std::string& item_id, const std::string& item_type) {
-  return lookup_.Locate(period_, item_id, item_type, item_type);
-}
-
 }  // namespace excelexp

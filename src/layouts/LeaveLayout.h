@@ -32,7 +32,6 @@ class LeaveLayout : public ListingLayout {
 
  protected:
   bool PrintBlock() override { return PrintPayRecInfo(); }
-  bool LocateItem(const std::string& item_id, const std::string& item_type) override;
   /// Once per entity, before its groups.
   virtual bool PrintBlockHeading() { return true; }
   /// Before a group with records is printed.

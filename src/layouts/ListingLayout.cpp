@@ -109,6 +109,10 @@ bool ListingLayout::PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item,
   return true;
 }
 
+bool ListingLayout::LocateItem(const std::string& item_id, const std::string& item_type) {
+  return lookup_.Locate(period_, item_id, item_type, item_type);
+}
+
 bool ListingLayout::PrintAnalysisColumn(const ColumnWalk& walk, const std::string& title,
                                         const std::string& item_id, const std::string& item_type,
                                         const ValueColumn& value) {

@@ -55,8 +55,13 @@ class ListingLayout : public FinancialLayout {
   /// Prints the column item that FinanceColItemQry stands on.
   bool WalkColumn(const ColumnWalk& walk);
 
+  /// The column item that FinanceColItemQry stands on.
+  KnownColumnItem& CurrentItem() const {
+    return (*items_)[static_cast<std::size_t>(FinanceColItemQry.RowIndex())];
+  }
+
   /// Moves the record query to the record of an item, in the column group being printed.
-  virtual bool LocateItem(const std::string& item_id, const std::string& item_type) = 0;
+  virtual bool LocateItem(const std::string& item_id, const std::string& item_type);
 
   /// Prints one column of an analysis item: title and value, without the item's format.
   virtual bool PrintAnalysisColumn(const ColumnWalk& walk, const std::string& title,
@@ -79,9 +84,6 @@ class ListingLayout : public FinancialLayout {
 
  private:
   void ReadColumnItems();
-  KnownColumnItem& CurrentItem() const {
-    return (*items_)[static_cast<std::size_t>(FinanceColItemQry.RowIndex())];
-  }
   bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
   bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
   bool PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);

@@ -55,6 +55,8 @@ struct ValueColumn {
   std::string type;
 };
 
+struct AccumulatedRanges;  // of the layout that sums over them
+
 /// A column item of a report, and what its cells ask for again and again, once the first cell has asked.
 struct KnownColumnItem {
   std::string type;
@@ -69,6 +71,7 @@ struct KnownColumnItem {
   std::shared_ptr<SchemeSet> schemes;
   std::optional<PreparedStyle> style;  ///< of its scheme, once a cell was formatted by it
   std::optional<ValueColumn> value;
+  std::shared_ptr<AccumulatedRanges> ranges;
 };
 
 /// An information report as its layout prints it for one person after the other.
