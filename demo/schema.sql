@@ -1197,12 +1197,12 @@ INSERT INTO DatabaseFunction
     FROM CodeAttribute)
   SELECT 'FGetCodeText', 2, 'SELECT CASE ?1' || Texts || ' END' FROM Cases
   UNION ALL
-  SELECT 'FGetCodeDescription', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || EmployeeCodes || '
+  SELECT 'FGetCodeDescription', 2, 'SELECT COALESCE(FGetCodeText(?2, CASE ?2' || EmployeeCodes || '
     ELSE (SELECT CASE ?2' || PersonalCodes || ' END FROM Personal
-          WHERE Personal.PersonalSysId = Employee.PersonalSysId) END
-    FROM Employee WHERE Employee.EmployeeSysId = ?1)), '''')' FROM Cases
+          WHERE Personal.PersonalSysId = Employee.PersonalSysId) END), '''')
+    FROM Employee WHERE Employee.EmployeeSysId = ?1' FROM Cases
   UNION ALL
-  SELECT 'FGetCodeDescriptionByPersonal', 2, 'SELECT COALESCE(FGetCodeText(?2, (SELECT CASE ?2' || PersonalCodes || '
+  SELECT 'FGetCodeDescriptionByPersonal', 2, 'SELECT COALESCE(FGetCodeText(?2, CASE ?2' || PersonalCodes || '
     ELSE (SELECT CASE ?2' || EmployeeCodes || ' END FROM Employee
-          WHERE Employee.PersonalSysId = Personal.PersonalSysId ORDER BY Employee.HireDate DESC LIMIT 1) END
-    FROM Personal WHERE Personal.PersonalSysId = ?1)), '''')' FROM Cases;
+          WHERE Employee.PersonalSysId = Personal.PersonalSysId ORDER BY Employee.HireDate DESC LIMIT 1) END), '''')
+    FROM Personal WHERE Personal.PersonalSysId = ?1' FROM Cases;

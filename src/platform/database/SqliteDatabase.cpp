@@ -36,9 +36,9 @@ constexpr std::size_t kFirstRows = 256;
 constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
 // A statement is sent so often before its keys are counted, and for one key in so many before it is read for
-// all of them: should the others never be asked for, reading them took a few times as long as what was.
+// all of them: should the others never be asked for, reading them took a few times as long as what was asked.
 constexpr std::size_t kSingleReads = 32;
-constexpr std::size_t kKeysForARead = 8;
+constexpr std::size_t kKeysForARead = 16;
 constexpr std::size_t kMaxKeyedBytes = 32u << 20;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
 

@@ -21,9 +21,9 @@ constexpr std::size_t kValueOverhead = 160;       // map node and value object
 constexpr std::size_t kMaxBatchBytes = 8u << 20;  // of a connection
 constexpr std::size_t kMaxBatches = 32;           // of a function
 constexpr std::size_t kSingleCalls = 32;          // before its keys are counted
-// A call for itself costs about three times what a key in a batch does: should the rest of the keys never be
-// asked for, the batch took some three times as long as the calls before it.
-constexpr std::size_t kKeysForACall = 8;
+// A call of its own costs about twice what a key among all does: should the others never be asked for,
+// reading them took some eight times as long as the calls before.
+constexpr std::size_t kKeysForACall = 16;
 constexpr int kMaxDepth = 32;  // functions that call functions
 constexpr int kMaxArguments = 100;
 
