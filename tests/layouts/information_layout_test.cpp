@@ -84,5 +84,18 @@ TEST(InformationLayout, ColumnsOfEveryTypeShowTheirValuesAndBlanks) {
   }
 }
 
+TEST(InformationLayout, EachWorksheetHasItsOwnTitlesOfOneReport) {
+  Scenario scenario(OnePerson(true) +
+                    "INSERT INTO ColourScheme (ColourSchemeId, ColourCodeId) VALUES ('Other', 'Black');"
+                    "INSERT INTO ExcelWkSheet (WkSheetSysId, ExcelSpreadsheetId, WkSheetOrder, WkSheetName, "
+                    "WkSheetRptSumLvl, WkSheetTitleColourSchemeId) VALUES (2, 'S', 2, 'Again', "
+                    "'SumLevelEmpee', 'Other');"
+                    "INSERT INTO ExcelWkSheetItem VALUES (900, 2, 1, 'EmployeeRpt', 'I1');");
+  const ScenarioRun run = scenario.Run("S");
+  const GridOptions title = {.formats = true, .range = CellRange{6, 2, 6, 2}};
+  EXPECT_THAT(run.Grid("Sheet", title), testing::HasSubstr("B6 - Arial 9 colour 5"));
+  EXPECT_THAT(run.Grid("Again", title), testing::HasSubstr("B6 - Arial 9 colour 1"));
+}
+
 }  // namespace
 }  // namespace excelexp
