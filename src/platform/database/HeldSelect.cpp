@@ -205,32 +205,46 @@ bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const 
   if (reference != nullptr && !reference->HasCodes()) return false;
   Joined* const joined_here = reference == nullptr ? nullptr : &JoinedTo(found.rows, generation);
   constexpr HeldColumn::Code kNone = std::numeric_limits<HeldColumn::Code>::max();
-  std::vector<HeldColumn::Code> above(wanted.size(), kNone);  // codes in the row above
-  const ResultSet* joined_above = nullptr;
+  struct Cell {
+    const HeldColumn* held;  // or null, and
+    int joined;
+    HeldColumn::Code above;  // code in the row above
+  };
+  std::vector<Cell> cells;
+  for (const int column : wanted) {
+    const Source& source = sources_[static_cast<std::size_t>(column)];
+    cells.push_back({source.held < 0 ? nullptr : &found.rows->Column(source.held), source.joined, kNone});
+  }
+  const ResultSet* joined = nullptr;
+  HeldColumn::Code joined_code = kNone;
   bool has_rows = false;
   for (const std::size_t row : std::span(found.places).first(count)) {
-    const ResultSet* const joined =
-        reference == nullptr ? nullptr : &ReadJoined(*reference, reference->CodeAt(row), read, *joined_here);
+    bool joins_the_same = reference != nullptr && reference->CodeAt(row) == joined_code;
+    if (reference != nullptr && !joins_the_same) {
+      joined_code = reference->CodeAt(row);
+      joined = &ReadJoined(*reference, joined_code, read, *joined_here);
+    }
     const int matches = joined == nullptr ? 1 : joined->RowCount();
     for (int match = 0; match < matches; ++match) {
-      // A block of rows of a result begins anew: there is no row above.
-      const bool begins = builder.BeginRow();
-      const bool joins_the_same = !begins && matches == 1 && joined == joined_above;
-      for (std::size_t i = 0; i < wanted.size(); ++i) {
-        const Source& source = sources_[static_cast<std::size_t>(wanted[i])];
-        if (source.held < 0) {
-          joins_the_same ? builder.AddSame() : builder.AddFrom(*joined, match, source.joined);
-          continue;
+      if (builder.BeginRow()) {  // there is no row above
+        joins_the_same = false;
+        for (Cell& cell : cells) cell.above = kNone;
+      }
+      const bool is_same_match = joins_the_same && matches == 1;
+      for (Cell& cell : cells) {
+        if (cell.held == nullptr) {
+          is_same_match ? builder.AddSame() : builder.AddFrom(*joined, match, cell.joined);
+        } else if (!cell.held->HasCodes()) {
+          Add(cell.held->At(row), builder);
+        } else if (const HeldColumn::Code code = cell.held->CodeAt(row); code == cell.above) {
+          builder.AddSame();
+        } else {
+          Add(cell.held->ValueOf(code), builder);
+          cell.above = code;
         }
-        const HeldColumn& column = found.rows->Column(source.held);
-        const HeldColumn::Code code = column.HasCodes() ? column.CodeAt(row) : kNone;
-        const bool is_same = !begins && code != kNone && code == above[i];
-        is_same ? builder.AddSame() : Add(column.At(row), builder);
-        above[i] = code;
       }
       has_rows = true;
     }
-    joined_above = joined;
   }
   return has_rows || count == found.places.size();
 }
