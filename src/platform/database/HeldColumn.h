@@ -65,6 +65,16 @@ class HeldColumn {
     if (width_ == 1) return codes_[row];
     return width_ == 2 ? Wide<std::uint16_t>(row) : Wide<Code>(row);
   }
+  /// Hands over the codes of the rows from `begin` up to `end`.
+  template <typename Take>
+  void EachCode(std::size_t begin, std::size_t end, const Take& take) const {
+    const auto each = [&](const auto& code_at) {
+      for (std::size_t row = begin; row < end; ++row) take(code_at(row));
+    };
+    if (width_ == 1) return each([this](std::size_t row) { return Code{codes_[row]}; });
+    if (width_ == 2) return each([this](std::size_t row) { return Code{Wide<std::uint16_t>(row)}; });
+    each([this](std::size_t row) { return CodeAt(row); });
+  }
   HeldValue ValueOf(Code code) const { return Unpacked(values_[code].kind, values_[code].bits); }
   /// Nothing for a value that no row has.
   std::optional<Code> Find(const HeldValue& value) const;

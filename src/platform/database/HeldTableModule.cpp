@@ -29,41 +29,34 @@ struct Table : sqlite3_vtab {
 struct Stretch {
   std::shared_ptr<const HeldRows> rows;
   HeldRows::Range range;
+  std::shared_ptr<const std::vector<std::uint32_t>> chosen;  // what the range counts, if not all rows
+
+  std::size_t RowAt(std::size_t place) const { return chosen == nullptr ? place : (*chosen)[place]; }
 };
 
 struct Cursor : sqlite3_vtab_cursor {
   std::vector<Stretch> stretches;
   std::size_t stretch = 0;
-  std::size_t row = 0;
-  std::optional<HeldDistinct> distinct;
+  std::size_t place = 0;
 
   const HeldTable& Held() const { return *static_cast<const Table*>(pVtab)->held; }
+  std::size_t Row() const { return stretches[stretch].RowAt(place); }
+  bool AtEnd() const { return stretch == stretches.size(); }
 
   void Start() {
     stretch = 0;
     EnterStretch();
-    SkipSeen();
   }
   void Next() {
-    Advance();
-    SkipSeen();
+    if (++place < stretches[stretch].range.end) return;
+    ++stretch;
+    EnterStretch();
   }
-  bool AtEnd() const { return stretch == stretches.size(); }
 
  private:
   void EnterStretch() {
     while (!AtEnd() && stretches[stretch].range.begin == stretches[stretch].range.end) ++stretch;
-    if (AtEnd()) return;
-    row = stretches[stretch].range.begin;
-    if (distinct) distinct->Enter(*stretches[stretch].rows);
-  }
-  void Advance() {
-    if (++row < stretches[stretch].range.end) return;
-    ++stretch;
-    EnterStretch();
-  }
-  void SkipSeen() {
-    while (distinct && !AtEnd() && !distinct->IsNew(row)) Advance();
+    if (!AtEnd()) place = stretches[stretch].range.begin;
   }
 };
 
@@ -213,12 +206,21 @@ std::vector<HeldRows::Range> Narrowed(const HeldRows& rows, sqlite3_value** valu
   return {rows.Find(leading)};
 }
 
-std::optional<HeldDistinct> DistinctOf(std::string_view plan) {
+/// Which columns tell rows apart; nothing where every row counts.
+std::optional<std::uint64_t> DistinctOf(std::string_view plan) {
   const std::size_t mark = plan.find(kDistinct);
   if (mark == std::string_view::npos) return std::nullopt;
   std::uint64_t columns = 0;
   std::from_chars(plan.data() + mark + 1, plan.data() + plan.size(), columns);
-  return HeldDistinct(columns);
+  return columns;
+}
+
+Stretch StretchOf(const std::shared_ptr<const HeldRows>& rows, const HeldRows::Range& range,
+                  const std::optional<std::uint64_t>& distinct) {
+  auto firsts = distinct ? FirstOfAlike(*rows, range, *distinct) : std::nullopt;
+  if (!firsts) return {rows, range, nullptr};
+  const HeldRows::Range all = {0, firsts->size()};
+  return {rows, all, std::make_shared<const std::vector<std::uint32_t>>(*std::move(firsts))};
 }
 
 int Filter(sqlite3_vtab_cursor* base, int /*number*/, const char* plan, int count, sqlite3_value** values) {
@@ -226,22 +228,24 @@ int Filter(sqlite3_vtab_cursor* base, int /*number*/, const char* plan, int coun
   return Guarded([&] {
     const HeldTable& held = cursor.Held();
     cursor.stretches.clear();
-    cursor.distinct = DistinctOf(plan);
+    const std::optional<std::uint64_t> distinct = DistinctOf(plan);
     const std::size_t keys = held.KeyColumns().size();
-    if (count == 0 || plan[0] != kKey) {
-      for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
-    } else if (std::all_of(values, values + keys,
-                           [](sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_TEXT; })) {
+    const bool by_key =
+        count > 0 && plan[0] == kKey && std::all_of(values, values + keys, [](sqlite3_value* value) {
+          return sqlite3_value_type(value) == SQLITE_TEXT;
+        });
+    if (by_key) {
       HeldTable::Key key;
       for (std::size_t i = 0; i < keys; ++i) key.emplace_back(TextOf(values[i]));
       if (const auto rows = held.Find(key)) {
         for (const HeldRows::Range& range :
              Narrowed(*rows, values + keys, static_cast<std::size_t>(count) - keys)) {
-          cursor.stretches.push_back({rows, range});
+          cursor.stretches.push_back(StretchOf(rows, range, distinct));
         }
       }
     } else {
-      for (const auto& [key, rows] : held.All()) cursor.stretches.push_back({rows, {0, rows->RowCount()}});
+      for (const auto& [key, rows] : held.All())
+        cursor.stretches.push_back(StretchOf(rows, {0, rows->RowCount()}, distinct));
     }
     cursor.Start();
   });
@@ -258,7 +262,7 @@ int Eof(sqlite3_vtab_cursor* cursor) {
 // The texts stay as they are while a statement runs: rows are replaced between statements.
 int Column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
   const Cursor& cursor = CursorOf(base);
-  const HeldValue value = cursor.stretches[cursor.stretch].rows->Column(column).At(cursor.row);
+  const HeldValue value = cursor.stretches[cursor.stretch].rows->Column(column).At(cursor.Row());
   switch (value.kind) {
     case HeldValue::Kind::kNull:
       sqlite3_result_null(context);
@@ -280,7 +284,7 @@ int Column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
 
 int Rowid(sqlite3_vtab_cursor* base, sqlite3_int64* rowid) {
   const Cursor& cursor = CursorOf(base);
-  *rowid = static_cast<sqlite3_int64>(cursor.stretch << 32 | cursor.row);
+  *rowid = static_cast<sqlite3_int64>(cursor.stretch << 32 | cursor.Row());
   return SQLITE_OK;
 }
 
