@@ -110,8 +110,8 @@ void StatementPool::Bind(sqlite3_stmt* statement, const std::string& sql) const 
 /// rows in the very same way, and so in the same order.
 void StatementPool::Narrow(KeptStatement& kept) {
   if (!kept.may_narrow || kept.runs < kRunsToLearn) return;
+  if (kept.narrow.statement != nullptr && kept.columns->AskedCount() == kept.narrow.width) return;
   const std::vector<int> asked = kept.columns->Asked();
-  if (kept.narrow.statement != nullptr && static_cast<int>(asked.size()) == kept.narrow.width) return;
   kept.narrow = {};
   kept.may_narrow = static_cast<int>(asked.size()) + kLeastSavedColumns <= kept.columns->Count();
   if (!kept.may_narrow) return;
