@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -19,9 +20,19 @@ constexpr bool IsBeyondAscii(char c) {
   return (static_cast<unsigned char>(c) & 0x80U) != 0;
 }
 
+inline constexpr auto kWordCharacters = [] {
+  std::array<bool, 256> table{};
+  for (int i = 0; i < 256; ++i) {
+    const char c = static_cast<char>(i);
+    table[static_cast<std::size_t>(i)] =
+        IsAsciiLetter(c) || IsDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' || IsBeyondAscii(c);
+  }
+  return table;
+}();
+
 /// Characters of names, functions and unquoted sheet names after the first one.
 constexpr bool IsWordCharacter(char c) {
-  return IsAsciiLetter(c) || IsDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' || IsBeyondAscii(c);
+  return kWordCharacters[static_cast<unsigned char>(c)];
 }
 
 /// UTF-8 text in capitals and in small letters, by Unicode's simple mappings, whatever the locale is.

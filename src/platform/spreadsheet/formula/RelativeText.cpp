@@ -11,56 +11,66 @@ namespace excelexp::formula {
 namespace {
 
 constexpr std::size_t kLongest = 512;
-constexpr char kReferenceMark = '\x01';
+// A formula that is shared has none of its own: it names no sheet.
+constexpr char kReferenceMark = '\'';
 
-void AppendAxis(std::string& text, int position, bool absolute, int base) {
-  std::array<char, 12> digits;
-  digits[0] = absolute ? '$' : 'r';
-  const auto end =
-      std::to_chars(digits.data() + 1, digits.data() + digits.size(), absolute ? position : position - base);
-  text.append(digits.data(), end.ptr);
+char* PutAxis(char* at, char* end, int position, bool absolute, int base) {
+  *at++ = absolute ? '$' : 'r';
+  return std::to_chars(at, end, absolute ? position : position - base).ptr;
 }
 
 void AppendReference(std::string& text, const Reference& reference, int row, int column) {
-  text += kReferenceMark;
-  text += reference.single ? '1' : '2';
-  AppendAxis(text, reference.range.first_row, reference.row_absolute[0], row);
-  AppendAxis(text, reference.range.first_col, reference.column_absolute[0], column);
-  if (reference.single) return;
-  AppendAxis(text, reference.range.last_row, reference.row_absolute[1], row);
-  AppendAxis(text, reference.range.last_col, reference.column_absolute[1], column);
+  std::array<char, 64> buffer;
+  char* const end = buffer.data() + buffer.size();
+  char* at = buffer.data();
+  *at++ = kReferenceMark;
+  *at++ = reference.single ? '1' : '2';
+  at = PutAxis(at, end, reference.range.first_row, reference.row_absolute[0], row);
+  at = PutAxis(at, end, reference.range.first_col, reference.column_absolute[0], column);
+  if (!reference.single) {
+    at = PutAxis(at, end, reference.range.last_row, reference.row_absolute[1], row);
+    at = PutAxis(at, end, reference.range.last_col, reference.column_absolute[1], column);
+  }
+  text.append(buffer.data(), at);
 }
 
-/// One past what begins at `at` and is no reference: a text in quotes, a word or number, or one character.
-std::size_t EndOfOther(std::string_view formula, std::size_t at) {
-  if (formula[at] == '"') return std::min(formula.find('"', at + 1), formula.size() - 1) + 1;
-  if (!IsWordCharacter(formula[at])) return at + 1;
+std::size_t EndOfWord(std::string_view formula, std::size_t at) {
   while (at < formula.size() && IsWordCharacter(formula[at])) ++at;
   return at;
+}
+
+std::size_t EndOfText(std::string_view formula, std::size_t at) {
+  return std::min(formula.find('"', at + 1), formula.size() - 1) + 1;
 }
 
 }  // namespace
 
 std::optional<std::string> RelativeText(std::string_view formula, int row, int column) {
-  const bool shareable = formula.size() <= kLongest && std::ranges::none_of(formula, [](char c) {
-                           return c == '!' || c == '\'' || static_cast<unsigned char>(c) < 0x20;
-                         });
-  if (!shareable) return std::nullopt;
+  constexpr std::size_t kNone = std::string_view::npos;
+  if (formula.size() > kLongest || formula.find('!') != kNone || formula.find('\'') != kNone)
+    return std::nullopt;
   std::string text;
   text.reserve(formula.size() + 32);
+  std::size_t copied = 0;
   for (std::size_t at = 0; at < formula.size();) {
-    const char c = formula[at];
-    if (IsAsciiLetter(c) || IsDigit(c) || c == '$') {
-      if (const std::optional<ReadReference> read = ReadCells(formula.substr(at))) {
-        AppendReference(text, read->reference, row, column);
-        at += read->length;
-        continue;
-      }
+    const char first = formula[at];
+    if (!IsWordCharacter(first) && first != '$') {
+      at = first == '"' ? EndOfText(formula, at) : at + 1;
+      continue;
     }
-    const std::size_t end = EndOfOther(formula, at);
-    text += formula.substr(at, end - at);
-    at = end;
+    const std::size_t end = EndOfWord(formula, at);
+    const bool is_call = end < formula.size() && formula[end] == '(';
+    const std::optional<ReadReference> read = is_call ? std::nullopt : ReadCells(formula.substr(at));
+    if (!read) {
+      at = std::max(end, at + 1);
+      continue;
+    }
+    text.append(formula, copied, at - copied);
+    AppendReference(text, read->reference, row, column);
+    at += read->length;
+    copied = at;
   }
+  text.append(formula, copied);
   return text;
 }
 
