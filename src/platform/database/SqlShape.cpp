@@ -117,6 +117,22 @@ class Comparands {
   std::vector<Level> levels_ = {{}};
 };
 
+/// The values of a select that names each and has nothing behind its one table.
+std::vector<std::size_t> NamedValues(const std::vector<SqlToken>& tokens) {
+  const std::size_t end = tokens.size();
+  const bool selects =
+      end > 5 && tokens.front().IsWord("select") && tokens[end - 2].IsWord("from") && tokens.back().IsName();
+  if (!selects) return {};
+  std::vector<std::size_t> found;
+  for (std::size_t i = 1; i < end - 2; i += 4) {
+    const bool is_item = tokens[i].kind != SqlToken::Kind::kMark && tokens[i + 1].IsWord("as") &&
+                         tokens[i + 2].IsName() && (tokens[i + 3].IsMark(',') || i + 3 == end - 2);
+    if (!is_item) return {};
+    if (IsValue(tokens[i])) found.push_back(i);
+  }
+  return found.size() > kMostComparands ? std::vector<std::size_t>{} : found;
+}
+
 bool IsPlainSelect(const std::vector<SqlToken>& tokens) {
   if (tokens.empty() || !tokens.front().IsWord("select")) return false;
   int depth = 0;
@@ -144,8 +160,10 @@ bool IsDistinctSelect(const std::vector<SqlToken>& tokens) {
 SqlShape::SqlShape(std::string_view sql) {
   const std::vector<SqlToken> tokens = TokenizeSql(sql);
   plain_ = IsPlainSelect(tokens);
+  std::vector<std::size_t> values = NamedValues(tokens);
+  if (values.empty()) values = Comparands(tokens).Find();
   std::size_t copied = 0;
-  for (const std::size_t i : Comparands(tokens).Find()) {
+  for (const std::size_t i : values) {
     const SqlToken& token = tokens[i];
     pieces_.emplace_back(sql.substr(copied, token.begin - copied));
     kinds_.push_back(token.kind == SqlToken::Kind::kString ? Kind::kText : Kind::kNumber);

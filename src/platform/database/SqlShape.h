@@ -7,7 +7,7 @@
 
 namespace excelexp {
 
-/// A value that a statement compares a column with.
+/// A value that a statement compares a column with, or selects under a name.
 struct SqlComparand {
   bool is_text = false;
   std::int64_t number = 0;
@@ -19,7 +19,8 @@ struct SqlComparand {
 ///
 /// Only whole numbers and texts that stand alone behind "column =" in a condition become parameters: what the
 /// statement means does not depend on them. Inside the list of what is selected they stay, for the names of
-/// columns without AS would change.
+/// columns without AS would change; but of "SELECT 'x' AS A, 5 AS B FROM T", where nothing else can mean A or
+/// B, they are parameters.
 class SqlShape {
  public:
   explicit SqlShape(std::string_view sql);

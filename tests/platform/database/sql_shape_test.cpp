@@ -31,7 +31,16 @@ TEST(SqlShape, OnlyValuesAloneBehindColumnsOfConditionsAreParameters) {
   };
   for (const auto& each : cases)
     EXPECT_EQ(SqlShape("SELECT 1, 'x' FROM T" + each.rest).Text(), "SELECT 1, 'x' FROM T" + each.shape);
+  EXPECT_EQ(SqlShape("SELECT 'x' AS A, NULL AS B, 5 as \"C\" FROM T").Text(),
+            "SELECT ?1 AS A, NULL AS B, ?2 as \"C\" FROM T");
   const std::string unchanged[] = {
+      "SELECT 'x', 5 AS B FROM T",
+      "SELECT 'x' AS A, f(5) AS B FROM T",
+      "SELECT 'x' AS A, ? AS B FROM T",
+      "SELECT 'x' AS A FROM T, U",
+      "SELECT 'x' AS A FROM T ORDER BY A",
+      "SELECT DISTINCT 'x' AS A FROM T",
+      "SELECT 'x' AS A UNION SELECT 5 AS A FROM T",
       "SELECT * FROM T WHERE A IN ('x', 5)",
       "SELECT * FROM T WHERE A = 'x' || B",
       "SELECT * FROM T WHERE A = 5 + B",
@@ -135,6 +144,7 @@ TEST(SqlShape, AnswersAreThoseOfTheTextAsItIs) {
                                 "'it' || ''",
                                 "'999999999999999999'"};
   const char* const statements[] = {
+      "SELECT # AS A, 'x' AS X, # AS Id FROM Given",
       "SELECT * FROM T WHERE I = #",
       "SELECT * FROM T WHERE X = #",
       "SELECT * FROM T WHERE N = # ORDER BY X, Id",
