@@ -22,12 +22,13 @@ struct Reference {
   std::size_t end;
 };
 
-std::optional<Reference> ReferenceAt(const std::string& formula, std::size_t start, std::size_t tag_length) {
+std::optional<Reference> ReferenceAt(std::string_view formula, std::size_t start, std::size_t tag_length) {
   const std::size_t digits = start + 1 + tag_length;
-  const std::size_t end = formula.find_first_not_of("0123456789", digits);
-  if (digits >= formula.size() || end == digits || end == std::string::npos || formula[end] != '>')
-    return std::nullopt;
-  if (formula.find_first_of("<>", start + 1) != end) return std::nullopt;
+  std::size_t end = digits;
+  while (end < formula.size() && formula[end] >= '0' && formula[end] <= '9') ++end;
+  if (end == digits || end >= formula.size() || formula[end] != '>') return std::nullopt;
+  const std::string_view tag = formula.substr(start + 1, tag_length);
+  if (tag.find_first_of("<>") != std::string_view::npos) return std::nullopt;
   return Reference{CStrToInt(formula.substr(digits, end - digits)), end + 1};
 }
 
