@@ -76,9 +76,10 @@ const Area& Call::Cells(std::size_t i) const {
 }
 
 Value Call::EvaluateScalar(std::size_t i) const {
-  const Value value = Evaluate(i);
+  Value value = Evaluate(i);
   if (in_array_ && IsBlock(value)) throw UnknownResult{};
-  return evaluator_.ToScalar(value);
+  evaluator_.MakeScalar(value);
+  return value;
 }
 
 const Implementation* FindImplementation(const FunctionInfo& function) {
@@ -100,15 +101,15 @@ Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array) {
   call.Values().reserve(node.children.size());
   for (std::size_t i = 0; i < node.children.size(); ++i) {
     const bool as_array = in_array || info->Argument(i) == OperandClass::kArray;
-    Value value = evaluator.Evaluate(*node.children[i], as_array);
+    Value& value = call.Values().emplace_back(evaluator.Evaluate(*node.children[i], as_array));
     blocks = blocks || (one_value && in_array && IsBlock(value));
-    call.Values().push_back(one_value && !in_array ? evaluator.ToScalar(value) : std::move(value));
+    if (one_value && !in_array) evaluator.MakeScalar(value);
   }
   // Which cells a reference means is not known before its arguments are.
   if (evaluator.IsWaiting() && info->result == OperandClass::kReference) return {};
   if (blocks) return CallItemByItem(*function, call, evaluator);
   if (one_value && in_array) {
-    for (Value& value : call.Values()) value = evaluator.ToScalar(value);
+    for (Value& value : call.Values()) evaluator.MakeScalar(value);
   }
   return CallOnce(*function, call);
 }

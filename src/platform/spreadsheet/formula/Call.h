@@ -14,7 +14,10 @@ namespace excelexp::formula {
 class Call {
  public:
   Call(Evaluator& evaluator, const Node& node, bool in_array)
-      : evaluator_(evaluator), node_(node), in_array_(in_array) {}
+      : evaluator_(evaluator), node_(node), in_array_(in_array), values_(evaluator.OpenList()) {}
+  ~Call() { evaluator_.CloseList(); }
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
 
   Evaluator& Cells() const { return evaluator_; }
   std::size_t Count() const { return node_.children.size(); }
@@ -42,7 +45,7 @@ class Call {
   Evaluator& evaluator_;
   const Node& node_;
   bool in_array_;
-  std::vector<Value> values_;
+  std::vector<Value>& values_;
 };
 
 /// How the arguments reach an implementation.

@@ -63,7 +63,9 @@ std::optional<FormulaResult> Evaluator::Run(const Expression& expression, const 
   name_depth_ = 0;
   FormulaResult result;
   try {
-    result = ToResult(ToScalar(Evaluate(expression.Root(), false)));
+    Value value = Evaluate(expression.Root(), false);
+    MakeScalar(value);
+    result = ToResult(value);
   } catch (const UnknownResult&) {
     result = {};
   }
@@ -121,17 +123,13 @@ Value Evaluator::Evaluate(const Node& node, bool in_array) {
   return {};
 }
 
-Value Evaluator::EvaluateReference(const Reference& shared) const {
-  Reference moved;
-  if (moves_.Any()) {
-    moved = shared;
-    if (!Move(moved, moves_)) return Value::Error(ErrorCode::kRef);
-  }
-  const Reference& reference = moves_.Any() ? moved : shared;
-  if (reference.sheet.empty()) return Value::Reference({place_.sheet, reference.range});
+Value Evaluator::EvaluateReference(const Reference& reference) const {
+  ReferredCells cells = reference;
+  if (moves_.Any() && !Move(cells, moves_)) return Value::Error(ErrorCode::kRef);
+  if (reference.sheet.empty()) return Value::Reference({place_.sheet, cells.range});
   const Sheet* first = workbook_.FindSheet(reference.sheet);
   if (first == nullptr) return Value::Error(ErrorCode::kRef);
-  if (reference.last_sheet.empty()) return Value::Reference({first, reference.range});
+  if (reference.last_sheet.empty()) return Value::Reference({first, cells.range});
   const Sheet* last = workbook_.FindSheet(reference.last_sheet);
   if (last == nullptr) return Value::Error(ErrorCode::kRef);
   Value value;
@@ -139,7 +137,7 @@ Value Evaluator::EvaluateReference(const Reference& shared) const {
   bool inside = false;
   for (const std::unique_ptr<Sheet>& sheet : workbook_.Sheets()) {
     const bool is_end = sheet.get() == first || sheet.get() == last;
-    if (inside || is_end) value.areas.push_back({sheet.get(), reference.range});
+    if (inside || is_end) value.areas.push_back({sheet.get(), cells.range});
     if (is_end && first != last) inside = !inside;
   }
   return value;
@@ -157,8 +155,9 @@ Value Evaluator::EvaluateName(const std::string& name, bool in_array) {
 }
 
 Value Evaluator::EvaluateUnary(const Node& node, bool in_array) {
-  const Value operand = Evaluate(*node.children[0], in_array);
-  if (operand.IsScalar() || !in_array) return ApplyUnary(node.op, ToScalar(operand));
+  Value operand = Evaluate(*node.children[0], in_array);
+  if (!in_array) MakeScalar(operand);
+  if (operand.IsScalar()) return ApplyUnary(node.op, operand);
   Array array = ToArray(operand);
   for (Value& item : array.items) item = ApplyUnary(node.op, item);
   return WrapArray(std::move(array));
@@ -166,11 +165,14 @@ Value Evaluator::EvaluateUnary(const Node& node, bool in_array) {
 
 Value Evaluator::EvaluateBinary(const Node& node, bool in_array) {
   const bool of_references = IsReferenceOperator(node.op);
-  const Value left = Evaluate(*node.children[0], in_array && !of_references);
-  const Value right = Evaluate(*node.children[1], in_array && !of_references);
+  Value left = Evaluate(*node.children[0], in_array && !of_references);
+  Value right = Evaluate(*node.children[1], in_array && !of_references);
   if (of_references) return CombineReferences(node.op, left, right);
-  if (!in_array || (left.IsScalar() && right.IsScalar()))
-    return ApplyBinary(node.op, ToScalar(left), ToScalar(right));
+  if (!in_array) {
+    MakeScalar(left);
+    MakeScalar(right);
+  }
+  if (left.IsScalar() && right.IsScalar()) return ApplyBinary(node.op, left, right);
   const Array lefts = ToArray(left);
   const Array rights = ToArray(right);
   Array results;

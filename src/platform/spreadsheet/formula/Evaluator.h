@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -52,6 +53,10 @@ class Evaluator {
   Value Evaluate(const Node& node, bool in_array);
   /// One value: of a block of cells the one in the formula's row or column, else #VALUE!.
   Value ToScalar(const Value& value);
+  /// The same in place.
+  void MakeScalar(Value& value) {
+    if (!value.IsScalar()) value = ToScalar(value);
+  }
   /// Throws UnknownResult for more than a million items.
   Array ToArray(const Value& value);
 
@@ -77,6 +82,13 @@ class Evaluator {
   /// What CELL("format") tells of a cell.
   const std::string& FormatCodeOf(const Cell* cell);
 
+  /// An empty list of arguments, which keeps its room from call to call. Lists are closed in reverse order.
+  std::vector<Value>& OpenList() {
+    if (open_lists_ == lists_.size()) lists_.emplace_back();
+    return lists_[open_lists_++];
+  }
+  void CloseList() { lists_[--open_lists_].clear(); }
+
   const CellPlace& Place() const { return place_; }
   DateTime Now() const { return now_; }
   bool IsWaiting() const { return waiting_; }
@@ -93,6 +105,8 @@ class Evaluator {
   ResultSource& results_;
   const NameTable* names_;  ///< may be nullptr
   std::map<FormatId, std::string> format_codes_;
+  std::deque<std::vector<Value>> lists_;
+  std::size_t open_lists_ = 0;
   CellPlace place_ = {};
   Moves moves_ = {};
   bool waiting_ = false;

@@ -34,15 +34,15 @@ void MoveNode(Node& node, const Moves& moves) {
 
 }  // namespace
 
-bool Move(Reference& reference, const Moves& moves) {
-  CellRange& range = reference.range;
+bool Move(ReferredCells& cells, const Moves& moves) {
+  CellRange& range = cells.range;
   const bool inside =
-      MoveEnd(range.first_row, reference.row_absolute[0], moves.rows, Workbook::kMaxRows) &&
-      MoveEnd(range.last_row, reference.row_absolute[1], moves.rows, Workbook::kMaxRows) &&
-      MoveEnd(range.first_col, reference.column_absolute[0], moves.columns, Workbook::kMaxColumns) &&
-      MoveEnd(range.last_col, reference.column_absolute[1], moves.columns, Workbook::kMaxColumns);
-  Order(range.first_row, range.last_row, reference.row_absolute);
-  Order(range.first_col, range.last_col, reference.column_absolute);
+      MoveEnd(range.first_row, cells.row_absolute[0], moves.rows, Workbook::kMaxRows) &&
+      MoveEnd(range.last_row, cells.row_absolute[1], moves.rows, Workbook::kMaxRows) &&
+      MoveEnd(range.first_col, cells.column_absolute[0], moves.columns, Workbook::kMaxColumns) &&
+      MoveEnd(range.last_col, cells.column_absolute[1], moves.columns, Workbook::kMaxColumns);
+  Order(range.first_row, range.last_row, cells.row_absolute);
+  Order(range.first_col, range.last_col, cells.column_absolute);
   return inside;
 }
 

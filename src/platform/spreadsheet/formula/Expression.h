@@ -60,15 +60,18 @@ enum class Operator : std::uint8_t {
 /// what counts here are long chains such as A1+A2+A3 ...
 inline constexpr int kMaxHeight = 1024;
 
-/// A cell or a block, possibly of another sheet. Rows and columns are 1-based. Whole columns have the rows 1
+/// A cell or a block. Rows and columns are 1-based. Whole columns have the rows 1
 /// to Workbook::kMaxRows, both absolute; whole rows likewise.
-struct Reference {
-  std::string sheet;       ///< "" is the sheet the formula stands on
-  std::string last_sheet;  ///< for Sheet1:Sheet3!A1; else ""
+struct ReferredCells {
   CellRange range;
   bool row_absolute[2] = {false, false};  ///< first, last
   bool column_absolute[2] = {false, false};
   bool single = true;  ///< A1 rather than A1:B2
+};
+
+struct Reference : ReferredCells {
+  std::string sheet;       ///< "" is the sheet the formula stands on
+  std::string last_sheet;  ///< for Sheet1:Sheet3!A1; else ""
 };
 
 struct FunctionInfo;
@@ -124,8 +127,8 @@ std::string Print(const Node& node, NameStyle style = NameStyle::kShown);
 /// sheet becomes #REF!.
 std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, int columns);
 
-/// Moves a reference; false when it would leave the sheet.
-bool Move(Reference& reference, const Moves& moves);
+/// Moves what is relative; false when it would leave the sheet.
+bool Move(ReferredCells& cells, const Moves& moves);
 
 /// The formula's own expression: the shared one, or a moved copy of it.
 std::shared_ptr<const Expression> ExpressionOf(const Formula& formula);

@@ -104,10 +104,10 @@ void Put16At(std::uint8_t* place, std::size_t number) {
 }
 
 /// Writes the cells of a moved reference over the four or eight bytes kept for them.
-void PutCells(Reference reference, const Moves& moves, std::uint8_t* place) {
-  if (moves.Any() && !Move(reference, moves))
+void PutCells(ReferredCells cells, const Moves& moves, std::uint8_t* place) {
+  if (moves.Any() && !Move(cells, moves))
     throw SpreadsheetError("a reference of the formula leaves the sheet");
-  CellRange range = reference.range;
+  CellRange range = cells.range;
   // Whole columns and rows reach as far as the format does.
   if (range.first_row == 1 && range.last_row == Workbook::kMaxRows) range.last_row = kLastRow;
   if (range.first_col == 1 && range.last_col == Workbook::kMaxColumns) range.last_col = kLastColumn;
@@ -117,17 +117,17 @@ void PutCells(Reference reference, const Moves& moves, std::uint8_t* place) {
                            std::to_string(kLastColumn) + " columns of .xls");
   }
   const auto column = [&](int end, int number) {
-    return static_cast<std::size_t>(number - 1) | (reference.column_absolute[end] ? 0 : kColumnIsRelative) |
-           (reference.row_absolute[end] ? 0 : kRowIsRelative);
+    return static_cast<std::size_t>(number - 1) | (cells.column_absolute[end] ? 0 : kColumnIsRelative) |
+           (cells.row_absolute[end] ? 0 : kRowIsRelative);
   };
   const auto put = [&place](std::size_t number) {
     Put16At(place, number);
     place += 2;
   };
   put(static_cast<std::size_t>(range.first_row - 1));
-  if (!reference.single) put(static_cast<std::size_t>(range.last_row - 1));
+  if (!cells.single) put(static_cast<std::size_t>(range.last_row - 1));
   put(column(0, range.first_col));
-  if (!reference.single) put(column(1, range.last_col));
+  if (!cells.single) put(column(1, range.last_col));
 }
 
 class Encoder {

@@ -20,8 +20,8 @@ Value IsOtherError(Call& call) {
 /// CELL of the upper left cell of a block. What depends on the application's windows or on what it changed
 /// last is left to it.
 Value CellInformation(Call& call) {
-  const Value kind = call.Cells().ToScalar(call[0]);
-  const std::string what = SmallLetters(TextOf(kind));
+  call.Cells().MakeScalar(call.Values()[0]);
+  const std::string what = SmallLetters(TextOf(call[0]));
   if (call.Count() < 2) throw UnknownResult{};
   const Area& area = call.Cells(1);
   const int row = area.range.first_row;
