@@ -3,10 +3,13 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/SqlClauses.h"
 #include "platform/database/SqliteConnection.h"
 
 namespace excelexp {
@@ -43,6 +46,31 @@ std::string TextAt(sqlite3_stmt* row, int column) {
 
 void BindText(sqlite3_stmt* statement, int index, const std::string& text) {
   sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+}
+
+/// The name, folded, in "SELECT ... FROM SysTable JOIN SysColumn WHERE table_name = 'name' AND ...", which
+/// reads no columns of another table; nothing for every other statement.
+std::optional<std::string> OnlyTableOf(std::string_view sql) {
+  const std::vector<SqlToken> tokens = TokenizeSql(sql);
+  const std::size_t end = tokens.size();
+  const std::size_t from = FindWord(tokens, {0, end}, "from");
+  const bool joins_both = from + 5 < end && tokens[0].IsWord("select") &&
+                          SameName(tokens[from + 1].text, "SysTable") && tokens[from + 2].IsWord("join") &&
+                          SameName(tokens[from + 3].text, "SysColumn") && tokens[from + 4].IsWord("where");
+  const bool selects_once =
+      std::ranges::count_if(tokens, [](const SqlToken& token) { return token.IsWord("select"); }) == 1;
+  const bool narrows_with_each = std::ranges::none_of(tokens, [](const SqlToken& token) {
+    return token.IsWord("or") || token.IsWord("between") || token.IsWord("case");
+  });
+  if (!joins_both || !selects_once || !narrows_with_each) return std::nullopt;
+  const auto is_and = [](const SqlToken& token) { return token.IsWord("and"); };
+  for (const TokenSpan& condition : SplitSpan(tokens, {from + 5, end}, is_and)) {
+    const bool names = condition.Size() == 3 && SameName(tokens[condition.begin].text, "table_name") &&
+                       tokens[condition.begin + 1].IsMark('=') &&
+                       tokens[condition.begin + 2].text.starts_with('\'');
+    if (names) return FoldName(NameOf(tokens[condition.begin + 2]));
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -113,16 +141,20 @@ TableShape Catalogue::Read(const Declared& declared) const {
   return shape;
 }
 
-void Catalogue::FillSystemTables() {
+void Catalogue::FillSystemTables(std::string_view sql) {
   if (filled_ || !own_system_tables_) return;
+  const std::optional<std::string> only = OnlyTableOf(sql);
+  std::set<std::string> tables_to_fill = filled_tables_;
+  if (only && !tables_to_fill.insert(*only).second) return;
+  filled_tables_.clear();  // until it is done
   connection_.Execute("DELETE FROM temp.SysColumn; DELETE FROM temp.SysTable");
   constexpr char kInsertTable[] = "INSERT INTO temp.SysTable VALUES(?1, ?2, ?3)";
   constexpr char kInsertColumn[] = "INSERT INTO temp.SysColumn VALUES(?1, ?2, ?3, ?4)";
   const SqliteStatement tables = connection_.Prepare(kTablesSql, kTablesSql);
   const SqliteStatement insert_table = connection_.Prepare(kInsertTable, kInsertTable);
   const SqliteStatement insert_column = connection_.Prepare(kInsertColumn, kInsertColumn);
-  const auto insert = [&](const SqliteStatement& statement, const char* sql) {
-    connection_.Step(statement.get(), sql);
+  const auto insert = [&](const SqliteStatement& statement, const char* text) {
+    connection_.Step(statement.get(), text);
     sqlite3_reset(statement.get());
   };
   for (int table_id = 1; connection_.Step(tables.get(), kTablesSql); ++table_id) {
@@ -131,6 +163,7 @@ void Catalogue::FillSystemTables() {
     BindText(insert_table.get(), 2, name);
     BindText(insert_table.get(), 3, TextAt(tables.get(), 1));
     insert(insert_table, kInsertTable);
+    if (only && !tables_to_fill.contains(FoldName(name))) continue;
     int column_id = 0;
     for (const TableShape::Column& column : ReadColumns({name, "main"})) {
       sqlite3_bind_int(insert_column.get(), 1, table_id);
@@ -140,12 +173,14 @@ void Catalogue::FillSystemTables() {
       insert(insert_column, kInsertColumn);
     }
   }
-  filled_ = true;
+  filled_ = !only;
+  filled_tables_ = std::move(tables_to_fill);
 }
 
 void Catalogue::Forget() {
   tables_.clear();
   filled_ = false;
+  filled_tables_.clear();
 }
 
 }  // namespace excelexp

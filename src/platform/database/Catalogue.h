@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -28,9 +29,10 @@ class Catalogue {
   /// nullptr when there is no such table or view. Valid until Forget.
   const TableShape* Find(std::string_view name);
 
-  /// The names of all tables and views of the database are written into SysTable and SysColumn, if they are
-  /// not there yet.
-  void FillSystemTables();
+  /// Writes what the statement may read of the tables and views of the database into SysTable and SysColumn,
+  /// if it is not there yet. To tell a view's columns it has to be compiled, so the columns are only those of
+  /// the table whose name the statement asks for, if it is known to see no others.
+  void FillSystemTables(std::string_view sql);
 
   /// Another connection may have changed the schema.
   void Forget();
@@ -55,7 +57,8 @@ class Catalogue {
   mutable std::unordered_map<const char*, SqliteStatement> kept_;        // by their text, a constant
   std::unordered_map<std::string, std::unique_ptr<TableShape>> tables_;  // by folded name
   bool own_system_tables_ = false;
-  bool filled_ = false;
+  bool filled_ = false;                  // with everything
+  std::set<std::string> filled_tables_;  // whose columns are there, folded
 };
 
 }  // namespace excelexp

@@ -266,7 +266,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
   KeptStatement& kept = statements_.Bound(sql);
   if (kept.whole.traits.reads_catalogue) {
     const SqliteGuard::Pass pass(guard_);
-    catalogue_.FillSystemTables();
+    catalogue_.FillSystemTables(kept.whole.traits.calls_stored ? std::string_view() : sql);
   }
   const bool whole = !kept.may_narrow;
   std::shared_ptr<const ResultSet> result = Read(kept, sql, {.all_rows = whole, .all_columns = whole});

@@ -154,6 +154,10 @@ TEST(SqliteDatabase, CatalogueListsTablesAndViewsOnly) {
       "KeyWord(b);"
       "CREATE VIEW V AS SELECT a FROM KeyWord; CREATE VIEW Broken AS SELECT x FROM Nowhere");
   const auto database = file.Open();
+  const std::string of = "SELECT column_name FROM SysTable JOIN SysColumn WHERE table_name = ";
+  EXPECT_EQ(Rows(*database->Select(of + "'V'")), "a");
+  EXPECT_EQ(Rows(*database->Select(of + "'keyword' AND column_id > 1")), "b/c");
+  EXPECT_EQ(Rows(*database->Select(of + "'V' OR table_name = 'KeyWord' ORDER BY 1")), "a/a/b/c");
   EXPECT_EQ(Rows(*database->Select(
                 "SELECT table_name, table_type, Count(Column_Name) FROM SysTable LEFT JOIN SysColumn "
                 "GROUP BY table_name ORDER BY 1")),
