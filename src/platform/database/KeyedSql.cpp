@@ -86,10 +86,11 @@ std::optional<KeyedSql> KeyedSql::Of(std::string_view sql, bool first_only, cons
   const std::string name(kKeys);
   const std::string table = QuoteName(source->table);
   const std::string column = QuoteName(source->name);
-  // Texts and fractions may equal one another in more ways than whole numbers do.
+  // Texts and fractions may equal one another in more ways than whole numbers do. In the order of their table
+  // keys stand next to one another, and so do the rows that they lead to.
   return KeyedSql{std::move(text),
-                  "(SELECT DISTINCT " + column + " AS " + name + " FROM " + table + " WHERE typeof(" +
-                      column + ") = 'integer') AS " + name,
+                  "(SELECT DISTINCT " + column + " AS " + name + " FROM " + table +
+                      " NOT INDEXED WHERE typeof(" + column + ") = 'integer') AS " + name,
                   "SELECT COUNT(*) FROM " + table};
 }
 
