@@ -17,6 +17,9 @@
 namespace excelexp {
 namespace {
 
+// To enter the rows into an index costs about as much as this many searches through all of them.
+constexpr int kSearchesByRow = 8;
+
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(FoldLetter(c))) * 16777619u;
@@ -270,7 +273,7 @@ int ResultSet::Find(std::span<const int> columns, std::span<const KeyView> keys)
 }
 
 ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
-  if (const Index* const known = KnownIndex(columns)) return {*this, *known};
+  if (Index* const known = KnownIndex(columns)) return {*this, *known};
   if (has_more_rows_) return Rest(Missing::kRows).SearchBy(columns);
   Index index;
   index.columns.assign(columns.begin(), columns.end());
@@ -281,18 +284,24 @@ ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
     if (place < 0) return Rest(Missing::kColumns).SearchBy(columns);
     index.places.push_back(static_cast<std::size_t>(place));
   }
-  EnterRows(index);
-  bytes_ += index.slots.size() * sizeof(std::uint32_t) + sizeof(Index);
-  return {*this, *indexes_.emplace_back(std::make_unique<const Index>(std::move(index)))};
+  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i)
+    if (Varies(index.places[i])) index.hashed.push_back(i);
+  bytes_ += sizeof(Index);
+  return {*this, *indexes_.emplace_back(std::make_unique<Index>(std::move(index)))};
 }
 
-const ResultSet::Index* ResultSet::KnownIndex(std::span<const int> columns) const {
-  for (const std::unique_ptr<const Index>& index : indexes_)
+ResultSet::Index* ResultSet::KnownIndex(std::span<const int> columns) const {
+  for (const std::unique_ptr<Index>& index : indexes_)
     if (std::ranges::equal(index->columns, columns)) return index.get();
   return nullptr;
 }
 
-int ResultSet::FindBy(const Index& index, std::span<const KeyView> keys) const {
+int ResultSet::FindBy(Index& index, std::span<const KeyView> keys) const {
+  if (index.slots.empty()) {
+    if (++index.searches > kSearchesByRow) columns_->NoteSearchedOften();
+    if (!columns_->AreSearchedOften()) return FindByRow(index, keys);
+    EnterRows(index);
+  }
   std::size_t hash = 0;
   for (const std::size_t i : index.hashed) hash = Combine(hash, keys[i]);
   const std::size_t mask = index.slots.size() - 1;
@@ -303,18 +312,28 @@ int ResultSet::FindBy(const Index& index, std::span<const KeyView> keys) const {
   return -1;
 }
 
-bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> keys) const {
-  TextBuffer buffer;
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const Value value = row[index.places[i]];
-    if (const auto* const number = std::get_if<std::int64_t>(&keys[i])) {
-      const bool same = value.kind == Kind::kInteger ? static_cast<std::int64_t>(value.bits) == *number
-                                                     : WrittenAs(value, *number);
-      if (!same) return false;
-    } else if (!SameBytes(AsView(value, buffer), *std::get_if<std::string_view>(&keys[i]))) {
-      return false;
-    }
+inline bool ResultSet::IsKey(Value value, const KeyView& key) const {
+  if (const auto* const number = std::get_if<std::int64_t>(&key)) {
+    return value.kind == Kind::kInteger ? static_cast<std::int64_t>(value.bits) == *number
+                                        : WrittenAs(value, *number);
   }
+  TextBuffer buffer;
+  return SameBytes(AsView(value, buffer), *std::get_if<std::string_view>(&key));
+}
+
+int ResultSet::FindByRow(const Index& index, std::span<const KeyView> keys) const {
+  for (std::size_t row = 0; row < row_count_; ++row) {
+    const Row values = RowAt(row);
+    const auto is_key = [&](std::size_t i) { return IsKey(values[index.places[i]], keys[i]); };
+    if (std::ranges::all_of(index.hashed, is_key) && Equals(values, index, keys))
+      return static_cast<int>(row);
+  }
+  return -1;
+}
+
+bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> keys) const {
+  for (std::size_t i = 0; i < keys.size(); ++i)
+    if (!IsKey(row[index.places[i]], keys[i])) return false;
   return true;
 }
 
@@ -339,9 +358,8 @@ bool ResultSet::Varies(std::size_t column) const {
 
 // Of rows with equal keys only the first is entered: it is the one that counts.
 void ResultSet::EnterRows(Index& index) const {
-  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i)
-    if (Varies(index.places[i])) index.hashed.push_back(i);
   index.slots.resize(std::bit_ceil(row_count_ * 2 + 1));
+  bytes_ += index.slots.size() * sizeof(std::uint32_t);
   const std::size_t mask = index.slots.size() - 1;
   TextBuffer buffer;
   for (std::size_t row = 0; row < row_count_; ++row) {

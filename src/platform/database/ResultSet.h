@@ -20,8 +20,9 @@ using KeyValue = std::variant<std::int64_t, std::string>;
 /// The same with texts that stay the caller's.
 using KeyView = std::variant<std::int64_t, std::string_view>;
 
-/// The columns of a statement's results, shared by all of them, and which of them have been asked for by
-/// name. Letter case does not count; of two columns of one name the first counts.
+/// The columns of a statement's results, shared by all of them, which of them have been asked for by name,
+/// and whether the rows of a result have been searched often. Letter case does not count; of two columns of
+/// one name the first counts.
 class ResultColumns {
  public:
   explicit ResultColumns(std::vector<std::string> names);
@@ -39,6 +40,9 @@ class ResultColumns {
   std::vector<int> Asked() const;
   int AskedCount() const { return asked_count_; }
 
+  bool AreSearchedOften() const { return searched_often_; }
+  void NoteSearchedOften() const { searched_often_ = true; }
+
  private:
   std::uint16_t& Guess(std::string_view name) const {
     const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name.data()));
@@ -52,6 +56,7 @@ class ResultColumns {
   mutable std::array<std::uint16_t, 256> guesses_{};
   mutable std::vector<bool> asked_;
   mutable int asked_count_ = 0;
+  mutable bool searched_often_ = false;
 };
 
 /// The result of a query, never changed, shared by any number of cursors of one thread.
@@ -96,8 +101,8 @@ class ResultSet {
   std::string AsBytes(int row, int column) const;
 
   /// The first row in result order whose values equal all keys, or -1. A key equals a value when their texts
-  /// are the same: exact, case-sensitive, whole; so 5 equals 5, 5.0 and '5', and '' equals NULL. The index
-  /// over these columns is built on the first call and kept.
+  /// are the same: exact, case-sensitive, whole; so 5 equals 5, 5.0 and '5', and '' equals NULL. An index
+  /// over these columns is built and kept where results of the statement are searched often.
   /// Throws std::invalid_argument when there are not as many keys as columns.
   int Find(std::span<const int> columns, std::span<const KeyView> keys) const;
   class Search;
@@ -135,7 +140,8 @@ class ResultSet {
     std::vector<int> columns;
     std::vector<std::size_t> hashed;   // which of them tell rows apart
     std::vector<std::size_t> places;   // of all columns, among those that are here
-    std::vector<std::uint32_t> slots;  // row + 1, or 0; a power of two of them
+    std::vector<std::uint32_t> slots;  // row + 1, or 0; a power of two of them, or none before they pay
+    int searches = 0;                  // through all rows
   };
   static constexpr std::size_t kBlockShift = 10;
   static constexpr std::size_t kBlockRows = std::size_t{1} << kBlockShift;
@@ -176,11 +182,13 @@ class ResultSet {
   std::string_view Written(Value value, TextBuffer& buffer) const;
   [[noreturn]] void FailDate(int column, const std::string& text) const;
 
-  int FindBy(const Index& index, std::span<const KeyView> keys) const;
-  const Index* KnownIndex(std::span<const int> columns) const;
+  int FindBy(Index& index, std::span<const KeyView> keys) const;
+  int FindByRow(const Index& index, std::span<const KeyView> keys) const;
+  Index* KnownIndex(std::span<const int> columns) const;
   bool Varies(std::size_t column) const;
   void EnterRows(Index& index) const;
   bool Equals(Row row, const Index& index, std::span<const KeyView> keys) const;
+  bool IsKey(Value value, const KeyView& key) const;
   bool WrittenAs(Value value, std::int64_t number) const;
   bool SameKeys(Row row, Row other, const Index& index) const;
 
@@ -195,7 +203,7 @@ class ResultSet {
   std::size_t row_count_ = 0;
   std::vector<Block> blocks_;
   std::string text_;
-  mutable std::vector<std::unique_ptr<const Index>> indexes_;
+  mutable std::vector<std::unique_ptr<Index>> indexes_;
   mutable std::size_t bytes_ = 0;
 };
 
@@ -206,10 +214,10 @@ class ResultSet::Search {
 
  private:
   friend class ResultSet;
-  Search(const ResultSet& result, const Index& index) : result_(&result), index_(&index) {}
+  Search(const ResultSet& result, Index& index) : result_(&result), index_(&index) {}
 
   const ResultSet* result_ = nullptr;
-  const Index* index_ = nullptr;
+  Index* index_ = nullptr;
 };
 
 /// Fills a result set, row by row and column by column from the left.
