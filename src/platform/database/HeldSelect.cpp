@@ -17,10 +17,11 @@ bool IsOneOf(std::span<const int> places, int place) {
   return std::ranges::find(places, place) != places.end();
 }
 
-/// A number as numeric columns hold it, a text as it is. The text of a comparand may have doubled quotes, so
-/// it is unquoted into `text`, which outlives the value.
+/// A number as numeric columns hold it, a text as it is. One with doubled quotes is unquoted into `text`,
+/// which outlives the value.
 HeldValue ValueOf(const SqlComparand& comparand, std::string& text) {
   if (!comparand.is_text) return HeldValue::Integer(comparand.number);
+  if (comparand.raw.find('\'') == std::string_view::npos) return HeldValue::Text(comparand.raw);
   text = TextOf(comparand);
   return HeldValue::Text(text);
 }
@@ -180,14 +181,18 @@ bool HeldSelect::TakeColumns(sqlite3_stmt* whole) {
 HeldSelect::Found HeldSelect::Find(const std::vector<SqlComparand>& values, std::size_t most) const {
   std::vector<std::string> texts(values.size());
   std::vector<HeldValue> wanted;
+  wanted.reserve(values.size());
   for (std::size_t i = 0; i < values.size(); ++i) wanted.push_back(ValueOf(values[i], texts[i]));
   HeldTable::Key key;
+  key.reserve(key_places_.size());
   for (const int place : key_places_) key.emplace_back(wanted[static_cast<std::size_t>(place)].bytes);
   Found found{table_->Find(key), {}};
   if (found.rows == nullptr) return found;
   std::vector<HeldValue> leading;
+  leading.reserve(leading_.size());
   for (const int place : leading_) leading.push_back(wanted[static_cast<std::size_t>(place)]);
   const HeldRows::Range range = found.rows->Find(leading);
+  found.places.reserve(std::min(range.end - range.begin, most + 1));
   for (std::size_t row = range.begin; row < range.end && found.places.size() <= most; ++row) {
     const bool meets = std::ranges::all_of(others_, [&](int place) {
       const int column = conditions_[static_cast<std::size_t>(place)];
