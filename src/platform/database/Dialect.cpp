@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/SqlClauses.h"
 #include "platform/database/SqlTokens.h"
 
 namespace excelexp {
@@ -147,11 +148,15 @@ class JoinRewriter {
     ++at_;
     std::size_t begin = at_ + 1;
     const bool select = AtWord("select");
-    if (select && begin < tokens_.size() && tokens_[begin].IsWord("distinct")) ++begin;
+    const bool distinct = select && begin < tokens_.size() && tokens_[begin].IsWord("distinct");
+    if (distinct) ++begin;
     const std::size_t end = select ? EndOfColumnName(begin) : begin;
     const bool one_column = end > begin && end < tokens_.size() && tokens_[end].IsWord("from");
     const FromList from = Walk();
     if (one_column && HasAffinity({begin, end}, from, "int")) {
+      // A member that is listed twice is a member all the same, unless members are counted.
+      if (distinct && FindWord(tokens_, {end, at_}, "limit") == at_)
+        insertions_.push_back({tokens_[begin - 1].begin, "", tokens_[begin - 1].text.size()});
       insertions_.push_back({tokens_[begin].begin, "CAST("});
       insertions_.push_back({tokens_[end - 1].End(), " AS TEXT)"});
     }

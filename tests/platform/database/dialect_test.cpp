@@ -156,8 +156,10 @@ TEST(Dialect, ATextIsLookedForAmongIntegersAsText) {
   ExpectRewritten(
       {{"Basis1Id IN (SELECT PersonId FROM People)", "Basis1Id IN (SELECT " + cast + " FROM People)"},
        {"Year = 1 AND records.basis1id not in  ( select distinct People.PersonId from People WHERE 1)",
-        "Year = 1 AND records.basis1id not in  ( select distinct CAST(People.PersonId AS TEXT) from People "
-        "WHERE 1)"},
+        "Year = 1 AND records.basis1id not in  ( select  CAST(People.PersonId AS TEXT) from People WHERE 1)"},
+       {"Basis1Id IN (SELECT DISTINCT PersonId FROM People LIMIT 2)",
+        "Basis1Id IN (SELECT DISTINCT " + cast + " FROM People LIMIT 2)"},
+       {"Basis1Id IN (SELECT DISTINCT Code FROM People)", ""},
        {"Year IN (SELECT PersonId FROM People)", ""},
        {"Basis1Id IN (SELECT Code FROM People)", ""},
        {"Basis1Id IN (SELECT PersonId + 1 FROM People)", ""},
