@@ -53,15 +53,13 @@ FormatCensus::FormatCensus(const Workbook& workbook)
   Add(0);
 }
 
-bool FormatCensus::Add(FormatId id) {
-  if (index_[id] != kUnused) return false;
+void FormatCensus::AddNew(FormatId id) {
   index_[id] = static_cast<std::uint32_t>(entries_.size());
   const CellFormat& format = workbook_.Format(id);
   const std::optional<int> built_in = BuiltInNumberFormat(format.number_format);
   const int number =
       built_in ? *built_in : kFirstCustom + static_cast<int>(number_formats_.Intern(format.number_format));
   entries_.push_back({id, fonts_.Intern(FontOf(format)), number});
-  return true;
 }
 
 void FormatCensus::AddAll() {

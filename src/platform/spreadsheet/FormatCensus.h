@@ -26,7 +26,11 @@ class FormatCensus {
   explicit FormatCensus(const Workbook& workbook);
 
   /// Whether the format was new.
-  bool Add(FormatId id);
+  bool Add(FormatId id) {
+    if (index_[id] != kUnused) return false;
+    AddNew(id);
+    return true;
+  }
   void AddAll();  ///< every cell of every sheet
 
   struct Entry {
@@ -45,6 +49,8 @@ class FormatCensus {
   const InternPool<std::string, TextHash>& NumberFormats() const { return number_formats_; }
 
  private:
+  void AddNew(FormatId id);
+
   const Workbook& workbook_;
   std::vector<Entry> entries_;
   std::vector<std::uint32_t> index_;  ///< by format id
