@@ -175,7 +175,6 @@ Formula MakeFormula(const Target& target, const std::string& text) {
 }
 
 Formula MovedFormula(const Formula& formula, int rows, int columns) {
-  if (rows == 0 && columns == 0) return formula;
   Formula moved;
   moved.expression = formula::Moved(*formula::ExpressionOf(formula), rows, columns);
   moved.text = "=" + formula::Print(*moved.expression);
@@ -282,14 +281,18 @@ void BExcelAPI::WriteTableCellNumber(const Handle& workbook, const std::string& 
 void BExcelAPI::FormulaOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,
                                const std::string& formula) {
   const Target target = Locate(workbook, sheet, range);
-  const Formula first = MakeFormula(target, formula);
+  Formula made = MakeFormula(target, formula);
   ForEachCell(target.range, [&](int row, int column) { CheckVisible(target.sheet, row, column); });
+  const std::uint32_t first = target.workbook.AddFormula(std::move(made));
   ForEachCell(target.range, [&](int row, int column) {
-    const std::uint32_t index = target.workbook.AddFormula(
-        MovedFormula(first, row - target.range.first_row, column - target.range.first_col));
+    const int rows = row - target.range.first_row;
+    const int columns = column - target.range.first_col;
     Cell& cell = target.sheet.At(row, column);
+    cell.formula =
+        rows == 0 && columns == 0
+            ? first
+            : target.workbook.AddFormula(MovedFormula(target.workbook.FormulaAt(first), rows, columns));
     cell.type = CellType::kFormula;
-    cell.formula = index;
   });
 }
 
