@@ -34,6 +34,23 @@ std::optional<Column> SourceOf(const Column& column, const FindTable& find_table
   return Column{shape->name, column.name};
 }
 
+/// The walk of a statement whose only parameter stands at the token, or "".
+std::string WalkOf(std::string_view sql, const std::vector<SqlToken>& tokens, std::size_t parameter) {
+  const TokenSpan all = {0, tokens.size()};
+  const std::size_t from = FindWord(tokens, all, "from");
+  const std::size_t where = from + 2;
+  const bool one_table = where < tokens.size() && tokens[0].IsWord("select") && tokens[from + 1].IsName() &&
+                         tokens[where].IsWord("where");
+  if (!one_table || tokens[1].IsWord("distinct") || tokens[1].IsWord("all")) return "";
+  const TokenSpan column = {where + 1, parameter - 1};
+  if (parameter + 2 != tokens.size() || parameter < where + 3 || !IsColumnName(tokens, column)) return "";
+  const std::string key(
+      sql.substr(tokens[column.begin].begin, tokens[column.end - 1].End() - tokens[column.begin].begin));
+  return "SELECT " + key + ", " +
+         std::string(sql.substr(tokens[1].begin, tokens[where].End() - tokens[1].begin)) + " typeof(" + key +
+         ") = 'integer'";
+}
+
 // "CORRELATED SCALAR SUBQUERY 3": the number counts the subqueries of the whole statement, and what asks for
 // the key is correlated once the key is a column.
 std::string WithoutPlace(std::string text) {
@@ -70,10 +87,13 @@ std::optional<KeyedSql> KeyedSql::Of(std::string_view sql, bool first_only, cons
   std::string text;
   std::optional<Column> source;
   std::size_t copied = 0;
+  std::size_t first = 0;
+  std::size_t parameters = 0;
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     if (!tokens[i].IsMark('?') || (first_only && tokens[i + 1].text != "1")) continue;
     // Elsewhere, inside an aggregate say, a column of the keys would mean something else than a parameter.
     if (i < 2 || !tokens[i - 1].IsMark('=') || !tokens[i - 2].IsName()) return std::nullopt;
+    if (++parameters == 1) first = i;
     if (!source) source = SourceOf(ColumnAt(tokens, i - 2), find_table);
     if (!source) return std::nullopt;
     text.append(sql.substr(copied, tokens[i].begin - copied));
@@ -91,7 +111,7 @@ std::optional<KeyedSql> KeyedSql::Of(std::string_view sql, bool first_only, cons
   return KeyedSql{std::move(text),
                   "(SELECT DISTINCT " + column + " AS " + name + " FROM " + table +
                       " NOT INDEXED WHERE typeof(" + column + ") = 'integer') AS " + name,
-                  "SELECT COUNT(*) FROM " + table};
+                  "SELECT COUNT(*) FROM " + table, parameters == 1 ? WalkOf(sql, tokens, first) : ""};
 }
 
 bool FindsRowsAlike(const std::vector<PlanStep>& single, const std::vector<PlanStep>& all) {

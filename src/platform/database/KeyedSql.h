@@ -19,6 +19,9 @@ struct KeyedSql {
   std::string text;   ///< the statement with a column of kKeys in place of the parameters
   std::string keys;   ///< "(SELECT ...) AS excelexp_key"
   std::string count;  ///< a statement that counts the keys, or more than there are
+  /// For "SELECT ... FROM table WHERE column = ?1": each key of that table, and what is selected of its row,
+  /// in one walk through it. Sound when the column tells the rows apart. "" for any other statement.
+  std::string walk;
 
   /// With `first_only`, ?1 is the key and other parameters stay. nullopt when a key is more than compared
   /// with a column of a table, or there is none.

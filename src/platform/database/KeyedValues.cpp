@@ -46,10 +46,12 @@ void KeyedValues::Add(std::int64_t key, sqlite3_value* value) {
   bytes_ += sizeof codes_.front();
 }
 
-void KeyedValues::Finish() {
-  std::ranges::stable_sort(codes_, {}, &std::pair<std::int64_t, std::uint32_t>::first);
+bool KeyedValues::Finish() {
+  constexpr auto kKey = &std::pair<std::int64_t, std::uint32_t>::first;
+  std::ranges::stable_sort(codes_, {}, kKey);
   added_ = {};
   finished_ = true;
+  return std::ranges::adjacent_find(codes_, {}, kKey) == codes_.end();
 }
 
 const OwnedSqliteValue* KeyedValues::Find(std::int64_t key) const {

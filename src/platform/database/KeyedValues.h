@@ -26,10 +26,12 @@ class KeyedValues {
  public:
   /// A key that was added before keeps its value.
   void Add(std::int64_t key, sqlite3_value* value);
-  /// Ends adding; before, nothing is found.
-  void Finish();
+  /// Ends adding; before, nothing is found. False when a key was added twice.
+  bool Finish();
   /// nullptr for a key without a value here; a pointer to nullptr is a NULL.
   const OwnedSqliteValue* Find(std::int64_t key) const;
+  /// How many keys were added.
+  std::size_t Size() const { return codes_.size(); }
   std::size_t Bytes() const { return bytes_; }
 
  private:

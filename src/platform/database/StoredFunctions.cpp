@@ -192,8 +192,9 @@ void StoredFunctions::ReadBatch(Function& function, Batch& batch, std::span<sqli
     if (batch.keys == 0) CountKeys(function, batch);
     if (!batch.refused && batch.asked * kKeysForACall >= batch.keys) {
       batch.refused = true;
-      ReadValues(function, batch.values, arguments);
-      if (!met_volatile_) batch.values.Finish();
+      ReadValues(function, batch, arguments);
+      if (met_volatile_) batch.values = {};
+      batch_bytes_ += batch.values.Bytes();
     }
   } catch (const DatabaseError&) {
     batch.refused = true;
@@ -212,9 +213,15 @@ void StoredFunctions::CountKeys(Function& function, Batch& batch) {
   batch.keys = std::max<std::size_t>(1, sqlite3_column_int64(count.statement.get(), 0));
 }
 
-void StoredFunctions::ReadValues(Function& function, KeyedValues& values,
+void StoredFunctions::ReadValues(Function& function, Batch& batch,
                                  std::span<sqlite3_value* const> arguments) {
   const KeyedSql keyed = *KeyedSql::Of(function.definition.sql, true, find_table_);
+  if (!keyed.walk.empty()) {
+    const CompiledQuery walk = compile_(keyed.walk);
+    batch.values = ReadValues(walk, keyed.walk, arguments);
+    // An aggregate has one row for all keys, and a key that has two rows may have another one first.
+    if (batch.values.Finish() && batch.values.Size() == batch.keys) return;
+  }
   const std::string sql =
       "SELECT " + std::string(KeyedSql::kKeys) + ", (" + keyed.text + "\n) FROM " + keyed.keys;
   const CompiledQuery single = compile_(function.definition.sql);
@@ -223,16 +230,26 @@ void StoredFunctions::ReadValues(Function& function, KeyedValues& values,
     const SqliteGuard::Pass pass(guard_);
     return PlanOf(connection_, sqlite3_sql(query.statement.get()));
   };
-  if (all.traits.is_volatile || !FindsRowsAlike(plan_of(single), PlanOfLast(plan_of(all)))) return;
-  sqlite3_stmt* const statement = all.statement.get();
+  batch.values = {};
+  if (!FindsRowsAlike(plan_of(single), PlanOfLast(plan_of(all)))) return;
+  batch.values = ReadValues(all, sql, arguments);
+  batch.values.Finish();
+}
+
+KeyedValues StoredFunctions::ReadValues(const CompiledQuery& query, const std::string& sql,
+                                        std::span<sqlite3_value* const> arguments) {
+  KeyedValues values;
+  sqlite3_stmt* const statement = query.statement.get();
   for (std::size_t i = 1; i < arguments.size(); ++i)
     sqlite3_bind_value(statement, static_cast<int>(i + 1), arguments[i]);
-  while (batch_bytes_ + values.Bytes() < kMaxBatchBytes && connection_.Step(statement, sql)) {
+  met_volatile_ = met_volatile_ || query.traits.is_volatile;
+  while (!met_volatile_ && batch_bytes_ + values.Bytes() < kMaxBatchBytes &&
+         connection_.Step(statement, sql)) {
     sqlite3_value* const key = sqlite3_column_value(statement, 0);
     if (sqlite3_value_type(key) == SQLITE_INTEGER)
       values.Add(sqlite3_value_int64(key), sqlite3_column_value(statement, 1));
   }
-  batch_bytes_ += values.Bytes();
+  return values;
 }
 
 void StoredFunctions::Evaluate(Function& function, sqlite3_context* context, int count,

@@ -89,7 +89,9 @@ class StoredFunctions {
   Batch* BatchFor(Function& function, int count, sqlite3_value** arguments);
   void ReadBatch(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
   void CountKeys(Function& function, Batch& batch);
-  void ReadValues(Function& function, KeyedValues& values, std::span<sqlite3_value* const> arguments);
+  void ReadValues(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
+  KeyedValues ReadValues(const CompiledQuery& query, const std::string& sql,
+                         std::span<sqlite3_value* const> arguments);
   /// nullptr for a SELECT without a row.
   void Remember(Function& function, std::string key, sqlite3_value* found);
   CompiledQuery Take(Function& function);
