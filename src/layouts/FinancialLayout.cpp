@@ -82,13 +82,12 @@ std::string FinancialLayout::DataCondition() const {
 std::string FinancialLayout::EntityCondition() const {
   const bool company = core_->ExcelWkSheetRptSumLvl == summary_level::kCompany;
   if (company && traits_.records != EntityRecords::kAlwaysAll) return "";
-  const auto condition = [this](std::string_view basis) {
-    return Joined({kGap, "AND ", basis, " = ", SqlText(Text(*core_->EmpCoyBasisQry, basis))});
-  };
+  const auto text = [this](std::string_view basis) { return SqlText(Text(*core_->EmpCoyBasisQry, basis)); };
   const bool first_only =
       traits_.records == EntityRecords::kByLevel && core_->ExcelWkSheetRptSumLvl == summary_level::kEmployee;
-  return first_only ? condition("Basis1Id")
-                    : condition("Basis1Id") + condition("Basis2Id") + condition("Basis3Id");
+  if (first_only) return Joined({kGap, "AND Basis1Id = ", text("Basis1Id")});
+  return Joined({kGap, "AND Basis1Id = ", text("Basis1Id"), kGap, "AND Basis2Id = ", text("Basis2Id"), kGap,
+                 "AND Basis3Id = ", text("Basis3Id")});
 }
 
 bool FinancialLayout::OpenRecords() {

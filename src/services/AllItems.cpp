@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/host/Format.h"
+
 namespace excelexp {
 namespace {
 
@@ -14,14 +16,13 @@ constexpr std::array<std::string_view, 12> kKinds = {
 }  // namespace
 
 std::string AllItemsSql(std::string_view grouping) {
-  std::string sql =
+  constexpr std::string_view kSelect =
       "SELECT DISTINCT AnlysItem1Id, AnlysItemDesc, AnlysItemTypeId FROM AnlysItemRecord JOIN "
-      "AnlysDispSection JOIN "
-      "AnlysItemSetup";
-  if (std::find(kKinds.begin(), kKinds.end(), grouping) != kKinds.end()) {
-    sql += " WHERE AnlysItemTypeId = '" + std::string(grouping) + "'";
-  }
-  return sql + " ORDER BY AnlysItem1Id";
+      "AnlysDispSection JOIN AnlysItemSetup";
+  constexpr std::string_view kOrder = " ORDER BY AnlysItem1Id";
+  const bool is_kind = std::find(kKinds.begin(), kKinds.end(), grouping) != kKinds.end();
+  return is_kind ? Joined({kSelect, " WHERE AnlysItemTypeId = '", grouping, "'", kOrder})
+                 : Joined({kSelect, kOrder});
 }
 
 }  // namespace excelexp
