@@ -22,11 +22,10 @@ constexpr char kKeysSql[] =
     "SELECT k.id, k.\"table\", k.\"from\", coalesce(k.\"to\", (SELECT t.name FROM "
     "pragma_table_info(k.\"table\", ?2) t WHERE t.pk = k.seq + 1)) "
     "FROM pragma_foreign_key_list(?1, ?2) k ORDER BY k.id, k.seq";
-// The stored table tells the keys also where rows held in memory hide it.
-constexpr char kNameSql[] =
-    "SELECT name, home FROM (SELECT type, name, 'main' AS home FROM main.sqlite_schema UNION ALL "
-    "SELECT type, name, 'temp' FROM temp.sqlite_schema) "
-    "WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE LIMIT 1";
+constexpr char kStoredNamesSql[] = "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view')";
+constexpr char kTemporaryNameSql[] =
+    "SELECT name FROM temp.sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE LIMIT "
+    "1";
 constexpr char kTablesSql[] =
     "SELECT name, type FROM main.sqlite_schema WHERE type IN ('table', 'view') AND name NOT LIKE "
     "'sqlite\\_%' "
@@ -86,11 +85,21 @@ Catalogue::Borrowed Catalogue::Borrow(const char* sql) const {
   return Borrowed(statement.get());
 }
 
+// The stored table comes first: it tells its keys also where rows held in memory hide it.
 Catalogue::Declared Catalogue::FindDeclared(std::string_view name) const {
-  const Borrowed statement = Borrow(kNameSql);
-  BindText(statement.get(), 1, std::string(name));
-  if (!connection_.Step(statement.get(), kNameSql)) return {};
-  return {TextAt(statement.get(), 0), TextAt(statement.get(), 1)};
+  if (stored_names_.empty()) {
+    const Borrowed names = Borrow(kStoredNamesSql);
+    while (connection_.Step(names.get(), kStoredNamesSql)) {
+      const std::string stored = TextAt(names.get(), 0);
+      stored_names_.emplace(FoldName(stored), stored);
+    }
+  }
+  if (const auto stored = stored_names_.find(FoldName(name)); stored != stored_names_.end())
+    return {stored->second, "main"};
+  const Borrowed temporary = Borrow(kTemporaryNameSql);
+  BindText(temporary.get(), 1, std::string(name));
+  if (!connection_.Step(temporary.get(), kTemporaryNameSql)) return {};
+  return {TextAt(temporary.get(), 0), "temp"};
 }
 
 void Catalogue::CreateSystemTables() {
@@ -179,6 +188,7 @@ void Catalogue::FillSystemTables(std::string_view sql) {
 
 void Catalogue::Forget() {
   tables_.clear();
+  stored_names_.clear();
   filled_ = false;
   filled_tables_.clear();
 }

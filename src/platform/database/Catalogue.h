@@ -55,6 +55,7 @@ class Catalogue {
 
   const SqliteConnection& connection_;
   mutable std::unordered_map<const char*, SqliteStatement> kept_;        // by their text, a constant
+  mutable std::unordered_map<std::string, std::string> stored_names_;    // as declared, by folded name
   std::unordered_map<std::string, std::unique_ptr<TableShape>> tables_;  // by folded name
   bool own_system_tables_ = false;
   bool filled_ = false;                  // with everything

@@ -17,24 +17,16 @@ namespace {
 // Rows of one key that are compared with one another.
 constexpr int kMostCompared = 16;
 
-/// Whether the statement counts, sums or the like: one row for all keys instead of one for each.
-bool Aggregates(const SqliteConnection& connection, const std::string& sql) {
-  const SqliteStatement steps = connection.Prepare("EXPLAIN " + sql, sql);
-  bool found = false;
-  while (connection.Step(steps.get(), sql)) {
-    const std::string_view operation = reinterpret_cast<const char*>(sqlite3_column_text(steps.get(), 1));
-    found = found || operation.starts_with("Agg");
-  }
-  return found;
-}
-
 /// The statement with the keys in front of its tables and its columns.
 std::optional<std::string> ForAllKeys(const KeyedSql& keyed) {
   const std::vector<SqlToken> tokens = TokenizeSql(keyed.text);
   const TokenSpan all = {0, tokens.size()};
   const std::size_t from = FindWord(tokens, all, "from");
   const bool sorted = FindWord(tokens, all, "order") < tokens.size();
-  if (sorted || from + 1 >= tokens.size() || !tokens[0].IsWord("select")) return std::nullopt;
+  // A window reaches over the rows of all keys.
+  const bool windowed =
+      std::ranges::any_of(tokens, [](const SqlToken& token) { return token.IsWord("over"); });
+  if (sorted || windowed || from + 1 >= tokens.size() || !tokens[0].IsWord("select")) return std::nullopt;
   const std::string_view text = keyed.text;
   const std::size_t list = tokens[1].begin;
   const std::size_t tables = tokens[from].End();
@@ -89,10 +81,10 @@ SqliteStatement KeyedRows::Compile(const KeptStatement& kept, sqlite3_stmt* sing
   sqlite3_stmt* const whole = kept.whole.statement.get();
   if (kept.narrow.statement != nullptr) all = NarrowedTo(kept.narrow, whole, *all);
   const std::vector<PlanStep> plan = PlanOf(connection, one);
-  const bool alike = !HasAutomaticIndex(plan) && plan == PlanBeforeDistinct(connection, sqlite3_sql(whole)) &&
+  const bool alike = !HasAutomaticIndex(plan) &&
+                     (single == whole || plan == PlanBeforeDistinct(connection, sqlite3_sql(whole))) &&
                      FindsRowsAlike(plan, PlanOf(connection, *all));
-  if (!alike || Aggregates(connection, *all)) return nullptr;
-  return connection.Prepare(*all, *all);
+  return alike ? connection.Prepare(*all, *all) : nullptr;
 }
 
 KeyedRows::KeyedRows(std::shared_ptr<const ResultSet> rows) : rows_(std::move(rows)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -33,6 +34,7 @@ class KeyedRows {
   /// Takes rows with their key in front. Of a key they stand together.
   explicit KeyedRows(std::shared_ptr<const ResultSet> rows);
 
+  std::size_t KeyCount() const { return keys_.size(); }
   struct Span {
     int first;
     int count;

@@ -3,8 +3,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <filesystem>
 #include <limits>
 #include <numeric>
@@ -26,6 +24,7 @@
 #include "platform/database/SqliteGuard.h"
 #include "platform/database/StatementPool.h"
 #include "platform/database/StoredFunctions.h"
+#include "platform/database/TypeWords.h"
 #include "platform/database/UnionFilter.h"
 
 namespace excelexp {
@@ -41,42 +40,6 @@ constexpr std::size_t kSingleReads = 32;
 constexpr std::size_t kKeysForARead = 16;
 constexpr std::size_t kMaxKeyedBytes = 32u << 20;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
-
-struct TypeWord {
-  std::string_view declared;
-  std::string_view word;
-};
-constexpr std::array<TypeWord, 20> kTypeWords = {{
-    {"char", "char"},
-    {"varchar", "char"},
-    {"character", "char"},
-    {"nchar", "char"},
-    {"nvarchar", "char"},
-    {"text", "char"},
-    {"character varying", "char"},
-    {"long varchar", "char"},
-    {"int", "integer"},
-    {"integer", "integer"},
-    {"smallint", "smallint"},
-    {"tinyint", "smallint"},
-    {"double", "double"},
-    {"double precision", "double"},
-    {"real", "double"},
-    {"float", "double"},
-    {"decimal", "decimal"},
-    {"numeric", "decimal"},
-    {"datetime", "timestamp"},
-    {"timestamp", "timestamp"},
-}};
-
-// "VARCHAR(40)" is declared as varchar; a word that is not in the table (date, time, blob) speaks for itself.
-std::string TypeWordOf(const std::string& declared) {
-  std::string word = FoldName(declared.substr(0, declared.find('(')));
-  while (!word.empty() && word.back() == ' ') word.pop_back();
-  for (const TypeWord& each : kTypeWords)
-    if (each.declared == word) return std::string(each.word);
-  return word;
-}
 
 // Reading through the value saves SQLite's column functions from looking the column up again each time. That
 // is sound here because nobody else uses the connection meanwhile.
@@ -395,7 +358,10 @@ void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
   ReadRows(all.get(), sql, kAllRows, rows, kMaxKeyedBytes - std::min(kMaxKeyedBytes, keyed_bytes_));
   keyed_bytes_ += rows.Bytes();
   if (connection_.TookMoment() || functions_.MetVolatile() || writes_noted != writes_noted_) return;
-  kept.keyed.rows = std::make_shared<const KeyedRows>(rows.Finish());
+  auto all_rows = std::make_shared<const KeyedRows>(rows.Finish());
+  // What counts or sums has one row for all keys.
+  if (all_rows->KeyCount() < std::min<std::size_t>(2, kept.keyed.keys)) return;
+  kept.keyed.rows = std::move(all_rows);
   kept.keyed.places = kept.narrow.places;
 }
 

@@ -90,6 +90,7 @@ TEST_F(KeyedRowsTest, StatementsGiveTheRowsOfTheirKey) {
         "SELECT TOTAL(#) FROM Person WHERE PersonId = #",
         "SELECT Name, (SELECT COUNT(*) FROM Family f WHERE f.PersonId = Person.PersonId) FROM Person WHERE "
         "PersonId = #",
+        "SELECT Name, COUNT(*) OVER () FROM Person WHERE PersonId = #",
         "SELECT Count FROM Members WHERE PersonId = #",
         "SELECT Name, NOW() FROM Person WHERE PersonId = #",
         "SELECT Name FROM Person WHERE PersonId = # OR PersonId = 5",
