@@ -94,7 +94,8 @@ bool BExcelExpEngAccumulatedListRpt::OpenChosenRanges(std::shared_ptr<Accumulate
   if (!core_->OpenOrLog(FinColAccuRangeQry, sql, WalkWhere(kWalk), "FinColAccuRangeQry", Rows::kOptional))
     return false;
   const bool chosen = FinColAccuRangeQry.RowCount() > 0;
-  ranges = std::make_shared<AccumulatedRanges>(chosen, nullptr, ReadRanges(FinColAccuRangeQry, chosen));
+  ranges = std::make_shared<AccumulatedRanges>(
+      AccumulatedRanges{chosen, nullptr, ReadRanges(FinColAccuRangeQry, chosen)});
   return true;
 }
 

@@ -191,9 +191,10 @@ std::vector<PlanStep> WithoutUnited(const std::vector<PlanStep>& plan, const std
   bool skips = false;
   for (const PlanStep& step : plan) {
     const std::string subject = step.text.substr(step.text.find(' ') + 1) + " ";
-    if (step.depth == 0)
+    if (step.depth == 0) {
       skips = std::ranges::any_of(united,
                                   [&](const United& each) { return subject.starts_with(each.name + " "); });
+    }
     if (!skips) rest.push_back(step);
   }
   return rest;
@@ -246,7 +247,7 @@ std::string FilterWhatIsUnited(const std::string& sql, const SqliteConnection& c
   try {
     const std::vector<PlanStep> plan = PlanOf(connection, sql);
     if (FindsRowsAlike(filter, plan, connection)) return filter.InBranches();
-    const std::string searched = filter.Searched();
+    std::string searched = filter.Searched();
     if (WithTablesRead(PlanOf(connection, searched), filter.AllUnited()) == plan) return searched;
   } catch (const DatabaseError&) {
     // Of the statement as it is the caller will be told what is wrong.

@@ -124,7 +124,7 @@ Value Evaluator::Evaluate(const Node& node, bool in_array) {
 }
 
 Value Evaluator::EvaluateReference(const Reference& reference) const {
-  ReferredCells cells = reference;
+  auto cells = static_cast<const ReferredCells&>(reference);
   if (moves_.Any() && !Move(cells, moves_)) return Value::Error(ErrorCode::kRef);
   if (reference.sheet.empty()) return Value::Reference({place_.sheet, cells.range});
   const Sheet* first = workbook_.FindSheet(reference.sheet);
