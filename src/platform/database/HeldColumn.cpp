@@ -17,11 +17,7 @@ namespace {
 constexpr std::size_t kManyNumbers = 1000;
 constexpr std::size_t kRowsPerNumber = 8;
 
-bool IsNumber(HeldValue::Kind kind) {
-  return kind == HeldValue::Kind::kInteger || kind == HeldValue::Kind::kFloat;
-}
-
-std::size_t HashOf(const HeldValue& value) {
+std::size_t HashOf(const ValueView& value) {
   constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
   const std::uint64_t hash = value.bytes.empty() ? static_cast<std::uint64_t>(value.integer)
                                                  : std::hash<std::string_view>()(value.bytes);
@@ -29,40 +25,9 @@ std::size_t HashOf(const HeldValue& value) {
   return mixed ^ mixed >> 32;
 }
 
-/// Kinds in the order of an index; numbers of both kinds are one.
-int RankOf(HeldValue::Kind kind) {
-  switch (kind) {
-    case HeldValue::Kind::kNull:
-      return 0;
-    case HeldValue::Kind::kInteger:
-    case HeldValue::Kind::kFloat:
-      return 1;
-    case HeldValue::Kind::kText:
-      return 2;
-    case HeldValue::Kind::kBlob:
-      break;
-  }
-  return 3;
-}
-
 }  // namespace
 
-HeldValue HeldValue::Float(double value) {
-  return {Kind::kFloat, std::bit_cast<std::int64_t>(value)};
-}
-
-double HeldValue::AsFloat() const {
-  return kind == Kind::kFloat ? std::bit_cast<double>(integer) : static_cast<double>(integer);
-}
-
-bool ComesBefore(const HeldValue& a, const HeldValue& b) {
-  if (RankOf(a.kind) != RankOf(b.kind)) return RankOf(a.kind) < RankOf(b.kind);
-  if (!IsNumber(a.kind)) return a.bytes < b.bytes;
-  const bool whole = a.kind == HeldValue::Kind::kInteger && b.kind == HeldValue::Kind::kInteger;
-  return whole ? a.integer < b.integer : a.AsFloat() < b.AsFloat();
-}
-
-HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
+HeldColumn::Value HeldColumn::Pack(const ValueView& value) {
   if (!IsBytes(value.kind)) return {value.kind, 0, static_cast<std::uint64_t>(value.integer)};
   const std::size_t offset = text_.size();
   if (offset + value.bytes.size() > std::numeric_limits<std::uint32_t>::max())
@@ -71,7 +36,7 @@ HeldColumn::Value HeldColumn::Pack(const HeldValue& value) {
   return {value.kind, 0, static_cast<std::uint64_t>(offset) << 32 | value.bytes.size()};
 }
 
-void HeldColumn::AddPlain(const HeldValue& value) {
+void HeldColumn::AddPlain(const ValueView& value) {
   const Value packed = Pack(value);
   plain_kinds_.push_back(packed.kind);
   plain_bits_.push_back(packed.bits);
@@ -83,7 +48,7 @@ void HeldColumn::AddWide(Code code) {
   if (code + 1 == values_.size() && RepeatsTooLittle()) HoldPlain();
 }
 
-HeldColumn::Code HeldColumn::SearchCode(const HeldValue& value) {
+HeldColumn::Code HeldColumn::SearchCode(const ValueView& value) {
   if (values_.size() * 2 >= slots_.size()) GrowSlots();
   Code& slot = slots_[SlotOf(value)];
   if (slot != 0) return slot - 1;
@@ -95,14 +60,14 @@ HeldColumn::Code HeldColumn::SearchCode(const HeldValue& value) {
   return slot - 1;
 }
 
-std::optional<HeldColumn::Code> HeldColumn::Find(const HeldValue& value) const {
+std::optional<HeldColumn::Code> HeldColumn::Find(const ValueView& value) const {
   if (slots_.empty()) return std::nullopt;
   const Code slot = slots_[SlotOf(value)];
   return slot == 0 ? std::nullopt : std::optional(slot - 1);
 }
 
 /// Where the value stands, or where it would.
-std::size_t HeldColumn::SlotOf(const HeldValue& value) const {
+std::size_t HeldColumn::SlotOf(const ValueView& value) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = HashOf(value) & mask;
   while (slots_[slot] != 0 && !Is(values_[slots_[slot] - 1], value)) slot = (slot + 1) & mask;

@@ -8,24 +8,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/database/ValueView.h"
+
 namespace excelexp {
-
-/// One value as the database knows them. A text or blob points into whatever the value came from.
-struct HeldValue {
-  enum class Kind : std::uint8_t { kNull, kInteger, kFloat, kText, kBlob };
-  Kind kind = Kind::kNull;
-  std::int64_t integer = 0;  ///< of an integer; of a float its bits
-  std::string_view bytes = {};
-
-  static HeldValue Integer(std::int64_t value) { return {Kind::kInteger, value}; }
-  static HeldValue Float(double value);
-  static HeldValue Text(std::string_view text) { return {Kind::kText, 0, text}; }
-  double AsFloat() const;
-  friend bool operator==(const HeldValue&, const HeldValue&) = default;
-};
-
-/// The order in which an index holds values: NULL, numbers by size, texts and blobs by their bytes.
-bool ComesBefore(const HeldValue& a, const HeldValue& b);
 
 /// The values of one column of many rows, packed: most columns of payroll figures repeat a few values, so a
 /// row holds the number (code) of its value in 0, 1, 2 or 4 bytes; one value for all rows takes no room.
@@ -37,7 +22,7 @@ class HeldColumn {
   explicit HeldColumn(Numbers numbers = Numbers::kAsTheyCome) : numbers_(numbers) {}
 
   /// Appends a row. Throws DatabaseError beyond 4 GiB of text.
-  void Add(const HeldValue& value) {
+  void Add(const ValueView& value) {
     if (is_plain_) {
       AddPlain(value);
     } else if (const Code code = CodeOf(value); width_ == 1) {
@@ -48,7 +33,7 @@ class HeldColumn {
     ++rows_;
   }
   /// The code of a value, which gets one if it has none. Only while the column has codes.
-  Code CodeOf(const HeldValue& value) {
+  Code CodeOf(const ValueView& value) {
     if (values_.empty()) return last_ = SearchCode(value);
     if (Is(values_[last_], value)) return last_;
     const Code next = values_[last_].next;
@@ -59,7 +44,7 @@ class HeldColumn {
   }
 
   /// Texts point into the column and stay as long as it does.
-  HeldValue At(std::size_t row) const { return is_plain_ ? Plain(row) : ValueOf(CodeAt(row)); }
+  ValueView At(std::size_t row) const { return is_plain_ ? Plain(row) : ValueOf(CodeAt(row)); }
   Code CodeAt(std::size_t row) const {
     if (width_ == 0) return 0;
     if (width_ == 1) return codes_[row];
@@ -75,9 +60,9 @@ class HeldColumn {
     if (width_ == 2) return each([this](std::size_t row) { return Code{Wide<std::uint16_t>(row)}; });
     each([this](std::size_t row) { return CodeAt(row); });
   }
-  HeldValue ValueOf(Code code) const { return Unpacked(values_[code].kind, values_[code].bits); }
+  ValueView ValueOf(Code code) const { return Unpacked(values_[code].kind, values_[code].bits); }
   /// Nothing for a value that no row has.
-  std::optional<Code> Find(const HeldValue& value) const;
+  std::optional<Code> Find(const ValueView& value) const;
   /// False for numbers held as they are: they have no codes.
   bool HasCodes() const { return !is_plain_; }
   /// How many different values have codes.
@@ -93,7 +78,7 @@ class HeldColumn {
   std::size_t Bytes() const;
 
  private:
-  using Kind = HeldValue::Kind;
+  using Kind = ValueView::Kind;
   // A text or blob as its offset (high half) and length in text_. Rows repeat each other's sequences: `next`
   // is the code that came after this one the last time.
   struct Value {
@@ -102,30 +87,29 @@ class HeldColumn {
     std::uint64_t bits;
   };
 
-  HeldValue Unpacked(Kind kind, std::uint64_t bits) const {
+  ValueView Unpacked(Kind kind, std::uint64_t bits) const {
     if (!IsBytes(kind)) return {kind, static_cast<std::int64_t>(bits)};
     return {kind, 0, std::string_view(text_).substr(bits >> 32, bits & 0xffffffffu)};
   }
-  HeldValue Plain(std::size_t row) const { return Unpacked(plain_kinds_[row], plain_bits_[row]); }
-  Value Pack(const HeldValue& value);
+  ValueView Plain(std::size_t row) const { return Unpacked(plain_kinds_[row], plain_bits_[row]); }
+  Value Pack(const ValueView& value);
   template <typename Stored>
   Code Wide(std::size_t row) const {
     Stored code = 0;
     std::memcpy(&code, codes_.data() + row * sizeof code, sizeof code);
     return code;
   }
-  static bool IsBytes(Kind kind) { return kind == Kind::kText || kind == Kind::kBlob; }
-  bool Is(const Value& known, const HeldValue& value) const {
+  bool Is(const Value& known, const ValueView& value) const {
     if (known.kind != value.kind) return false;
     if (!IsBytes(value.kind)) return static_cast<std::int64_t>(known.bits) == value.integer;
     return (known.bits & 0xffffffffu) == value.bytes.size() &&
            (value.bytes.empty() ||
             std::memcmp(text_.data() + (known.bits >> 32), value.bytes.data(), value.bytes.size()) == 0);
   }
-  Code SearchCode(const HeldValue& value);
-  void AddPlain(const HeldValue& value);
+  Code SearchCode(const ValueView& value);
+  void AddPlain(const ValueView& value);
   void AddWide(Code code);
-  std::size_t SlotOf(const HeldValue& value) const;
+  std::size_t SlotOf(const ValueView& value) const;
   void GrowSlots();
   void Widen(std::size_t width);
   void StoreCode(std::size_t row, Code code);

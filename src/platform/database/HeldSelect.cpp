@@ -3,7 +3,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <limits>
+#include <functional>
+#include <numeric>
 #include <ranges>
 #include <utility>
 
@@ -19,26 +20,15 @@ bool IsOneOf(std::span<const int> places, int place) {
 
 /// A number as numeric columns hold it, a text as it is. One with doubled quotes is unquoted into `text`,
 /// which outlives the value.
-HeldValue ValueOf(const SqlComparand& comparand, std::string& text) {
-  if (!comparand.is_text) return HeldValue::Integer(comparand.number);
-  if (comparand.raw.find('\'') == std::string_view::npos) return HeldValue::Text(comparand.raw);
+ValueView ValueOf(const SqlComparand& comparand, std::string& text) {
+  if (!comparand.is_text) return ValueView::Integer(comparand.number);
+  if (comparand.raw.find('\'') == std::string_view::npos) return ValueView::Text(comparand.raw);
   text = TextOf(comparand);
-  return HeldValue::Text(text);
+  return ValueView::Text(text);
 }
 
-void Add(const HeldValue& value, ResultSetBuilder& builder) {
-  switch (value.kind) {
-    case HeldValue::Kind::kNull:
-      return builder.AddNull();
-    case HeldValue::Kind::kInteger:
-      return builder.AddInteger(value.integer);
-    case HeldValue::Kind::kFloat:
-      return builder.AddFloat(value.AsFloat());
-    case HeldValue::Kind::kText:
-      return builder.AddText(value.bytes);
-    case HeldValue::Kind::kBlob:
-      return builder.AddBlob(value.bytes);
-  }
+std::string_view BytesOf(std::span<const ValueView> values, int place) {
+  return values[static_cast<std::size_t>(place)].bytes;
 }
 
 std::string_view OriginOf(const char* name) {
@@ -178,102 +168,141 @@ bool HeldSelect::TakeColumns(sqlite3_stmt* whole) {
   return true;
 }
 
-HeldSelect::Found HeldSelect::Find(const std::vector<SqlComparand>& values, std::size_t most) const {
-  std::vector<std::string> texts(values.size());
-  std::vector<HeldValue> wanted;
-  wanted.reserve(values.size());
-  for (std::size_t i = 0; i < values.size(); ++i) wanted.push_back(ValueOf(values[i], texts[i]));
-  HeldTable::Key key;
-  key.reserve(key_places_.size());
-  for (const int place : key_places_) key.emplace_back(wanted[static_cast<std::size_t>(place)].bytes);
-  Found found{table_->Find(key), {}};
-  if (found.rows == nullptr) return found;
-  std::vector<HeldValue> leading;
-  leading.reserve(leading_.size());
-  for (const int place : leading_) leading.push_back(wanted[static_cast<std::size_t>(place)]);
-  const HeldRows::Range range = found.rows->Find(leading);
-  found.places.reserve(std::min(range.end - range.begin, most + 1));
-  for (std::size_t row = range.begin; row < range.end && found.places.size() <= most; ++row) {
-    const bool meets = std::ranges::all_of(others_, [&](int place) {
-      const int column = conditions_[static_cast<std::size_t>(place)];
-      return found.rows->Column(column).At(row) == wanted[static_cast<std::size_t>(place)];
-    });
-    if (meets) found.places.push_back(row);
-  }
-  return found;
-}
-
-bool HeldSelect::AddRows(const Found& found, std::size_t count, std::span<const int> wanted,
-                         std::uint64_t generation, const ReadOne& read, ResultSetBuilder& builder) {
-  if (count == 0) return true;
-  const HeldColumn* const reference = reference_ < 0 ? nullptr : &found.rows->Column(reference_);
-  if (reference != nullptr && !reference->HasCodes()) return false;
-  Joined* const joined_here = reference == nullptr ? nullptr : &JoinedTo(found.rows, generation);
-  constexpr HeldColumn::Code kNone = std::numeric_limits<HeldColumn::Code>::max();
-  struct Cell {
-    const HeldColumn* held;  // or null, and
-    int joined;
-    HeldColumn::Code above;  // code in the row above
+/// What was found out about the rows of one key, for all results over them.
+struct HeldSelect::Batch {
+  struct Column {
+    const HeldColumn* codes;          ///< which tell its values apart: its own, or those of the reference
+    int joined;                       ///< column of what is joined, or -1
+    std::vector<std::size_t> hashes;  ///< by code; 0 where nobody asked
   };
-  std::vector<Cell> cells;
-  for (const int column : wanted) {
-    const Source& source = sources_[static_cast<std::size_t>(column)];
-    cells.push_back({source.held < 0 ? nullptr : &found.rows->Column(source.held), source.joined, kNone});
+  HeldTable::Key key;
+  std::weak_ptr<const HeldRows> rows;                    ///< gone when they were released
+  std::vector<Column> columns;                           ///< of the statement
+  std::vector<std::shared_ptr<const ResultSet>> joined;  ///< by the reference's code; null where nobody asked
+};
+
+/// Some rows of a batch, each with the one row that is joined to it.
+class HeldSelect::BatchRows final : public ResultRows {
+ public:
+  BatchRows(std::shared_ptr<const HeldRows> rows, std::shared_ptr<Batch> batch,
+            std::vector<std::uint32_t> places)
+      : rows_(std::move(rows)), batch_(std::move(batch)), places_(std::move(places)) {}
+
+  std::size_t RowCount() const override { return places_.size(); }
+  ValueView At(std::size_t row, std::size_t column) const override {
+    const Batch::Column& source = batch_->columns[column];
+    const std::size_t place = places_[row];
+    if (source.joined < 0) return source.codes->At(place);
+    return batch_->joined[source.codes->CodeAt(place)]->At(0, source.joined);
   }
-  const ResultSet* joined = nullptr;
-  HeldColumn::Code joined_code = kNone;
-  bool has_rows = false;
-  for (const std::size_t row : std::span(found.places).first(count)) {
-    bool joins_the_same = reference != nullptr && reference->CodeAt(row) == joined_code;
-    if (reference != nullptr && !joins_the_same) {
-      joined_code = reference->CodeAt(row);
-      joined = &ReadJoined(*reference, joined_code, read, *joined_here);
-    }
-    const int matches = joined == nullptr ? 1 : joined->RowCount();
-    for (int match = 0; match < matches; ++match) {
-      if (builder.BeginRow()) {  // there is no row above
-        joins_the_same = false;
-        for (Cell& cell : cells) cell.above = kNone;
-      }
-      const bool is_same_match = joins_the_same && matches == 1;
-      for (Cell& cell : cells) {
-        if (cell.held == nullptr) {
-          is_same_match ? builder.AddSame() : builder.AddFrom(*joined, match, cell.joined);
-        } else if (!cell.held->HasCodes()) {
-          Add(cell.held->At(row), builder);
-        } else if (const HeldColumn::Code code = cell.held->CodeAt(row); code == cell.above) {
-          builder.AddSame();
-        } else {
-          Add(cell.held->ValueOf(code), builder);
-          cell.above = code;
-        }
-      }
-      has_rows = true;
+  bool Varies(std::size_t column) const override {
+    const HeldColumn& codes = *batch_->columns[column].codes;
+    if (!codes.HasCodes()) return true;
+    const auto code_at = [&codes](std::uint32_t place) { return codes.CodeAt(place); };
+    return std::ranges::adjacent_find(places_, std::ranges::not_equal_to(), code_at) != places_.end();
+  }
+  void MixColumn(std::size_t column, std::span<std::size_t> hashes) const override {
+    Batch::Column& source = batch_->columns[column];
+    const HeldColumn& codes = *source.codes;
+    if (codes.HasCodes()) source.hashes.resize(codes.CodeCount());
+    for (std::size_t row = 0; row < hashes.size(); ++row) {
+      std::size_t unknown = 0;
+      std::size_t& hash = codes.HasCodes() ? source.hashes[codes.CodeAt(places_[row])] : unknown;
+      if (hash == 0) hash = HashOfKey(At(row, column));
+      hashes[row] = MixKeys(hashes[row], hash);
     }
   }
-  return has_rows || count == found.places.size();
+  bool HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const override {
+    return std::ranges::all_of(columns, [&](std::size_t column) {
+      const HeldColumn& codes = *batch_->columns[column].codes;
+      const bool alike = codes.HasCodes() && codes.CodeAt(places_[row]) == codes.CodeAt(places_[other]);
+      return alike || HaveSameText(At(row, column), At(other, column));
+    });
+  }
+
+ private:
+  std::shared_ptr<const HeldRows> rows_;
+  std::shared_ptr<Batch> batch_;
+  std::vector<std::uint32_t> places_;
+};
+
+std::shared_ptr<const ResultRows> HeldSelect::Rows(const std::vector<SqlComparand>& comparands,
+                                                   std::uint64_t generation, const ReadOne& read) {
+  std::vector<std::string> texts(comparands.size());
+  std::vector<ValueView> values(comparands.size());
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = ValueOf(comparands[i], texts[i]);
+  const std::shared_ptr<Batch> batch = BatchOf(values, generation);
+  const std::shared_ptr<const HeldRows> rows = batch->rows.lock();
+  std::vector<std::uint32_t> places;
+  if (rows != nullptr) {
+    if (reference_ >= 0 && !rows->Column(reference_).HasCodes()) return nullptr;
+    places = Find(*rows, values);
+    if (reference_ >= 0 && !JoinTo(places, *rows, *batch, read)) return nullptr;
+  }
+  return std::make_shared<const BatchRows>(rows, batch, std::move(places));
 }
 
-HeldSelect::Joined& HeldSelect::JoinedTo(const std::shared_ptr<const HeldRows>& rows,
-                                         std::uint64_t generation) {
-  if (generation != std::exchange(joined_generation_, generation)) joined_rows_.clear();
-  const auto known = std::ranges::find_if(
-      joined_rows_, [&rows](const JoinedRows& each) { return each.rows.lock() == rows; });
-  if (known != joined_rows_.end()) return known->joined;
-  return joined_rows_.emplace_back(rows).joined;
+/// What is known of the rows with these values of the key columns.
+std::shared_ptr<HeldSelect::Batch> HeldSelect::BatchOf(std::span<const ValueView> values,
+                                                       std::uint64_t generation) {
+  if (generation != std::exchange(batches_generation_, generation)) batches_.clear();
+  const auto has_key = [&](const std::shared_ptr<Batch>& batch) {
+    return std::ranges::equal(batch->key, key_places_, {}, {},
+                              [&](int place) { return BytesOf(values, place); });
+  };
+  const auto known = std::ranges::find_if(batches_, has_key);
+  if (known != batches_.end()) return *known;
+  auto batch = std::make_shared<Batch>();
+  for (const int place : key_places_) batch->key.emplace_back(BytesOf(values, place));
+  const std::shared_ptr<const HeldRows> rows = table_->Find(batch->key);
+  batch->rows = rows;
+  if (rows != nullptr) {
+    for (const Source& source : sources_) {
+      const int codes = source.held < 0 ? reference_ : source.held;
+      batch->columns.push_back({&rows->Column(codes), source.joined, {}});
+    }
+  }
+  return batches_.emplace_back(std::move(batch));
 }
 
-const ResultSet& HeldSelect::ReadJoined(const HeldColumn& reference, HeldColumn::Code code,
-                                        const ReadOne& read, Joined& joined) const {
-  if (code >= joined.size()) joined.resize(reference.CodeCount());
-  std::shared_ptr<const ResultSet>& result = joined[code];
-  if (result == nullptr) {
-    // What is no text equals none: no bytes at all are bound as NULL.
-    const HeldValue value = reference.ValueOf(code);
-    const bool is_text = value.kind == HeldValue::Kind::kText;
-    result = read(joined_.statement.get(), is_text ? value.bytes : std::string_view());
+/// The rows that meet the conditions.
+std::vector<std::uint32_t> HeldSelect::Find(const HeldRows& rows, std::span<const ValueView> values) const {
+  const auto value_of = [&](int place) { return values[static_cast<std::size_t>(place)]; };
+  std::vector<ValueView> leading;
+  for (const int place : leading_) leading.push_back(value_of(place));
+  const HeldRows::Range range = rows.Find(leading);
+  std::vector<std::uint32_t> places(range.end - range.begin);
+  std::iota(places.begin(), places.end(), static_cast<std::uint32_t>(range.begin));
+  for (const int place : others_) {
+    const HeldColumn& column = rows.Column(conditions_[static_cast<std::size_t>(place)]);
+    std::erase_if(places, [&](std::uint32_t row) { return column.At(row) != value_of(place); });
   }
-  return *result;
+  return places;
+}
+
+/// Reads what is joined to the rows, and leaves out those that it has nothing for. False if one row would
+/// become several.
+bool HeldSelect::JoinTo(std::vector<std::uint32_t>& places, const HeldRows& rows, Batch& batch,
+                        const ReadOne& read) const {
+  const HeldColumn& reference = rows.Column(reference_);
+  batch.joined.resize(reference.CodeCount());
+  bool lacks_some = false;
+  for (const std::uint32_t row : places) {
+    const HeldColumn::Code code = reference.CodeAt(row);
+    std::shared_ptr<const ResultSet>& joined = batch.joined[code];
+    if (joined == nullptr) {
+      // What is no text equals none: no bytes at all are bound as NULL.
+      const ValueView value = reference.ValueOf(code);
+      const bool is_text = value.kind == ValueView::Kind::kText;
+      joined = read(joined_.statement.get(), is_text ? value.bytes : std::string_view());
+    }
+    if (joined->RowCount() > 1) return false;
+    lacks_some = lacks_some || joined->IsEmpty();
+  }
+  if (lacks_some) {
+    std::erase_if(places, [&](std::uint32_t row) { return batch.joined[reference.CodeAt(row)]->IsEmpty(); });
+  }
+  return true;
 }
 
 }  // namespace excelexp

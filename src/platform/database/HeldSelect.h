@@ -40,36 +40,31 @@ class HeldSelect {
                                         sqlite3_stmt* whole, const HeldTables& tables,
                                         const FindTable& find_table, const Compile& compile);
 
-  struct Found {
-    std::shared_ptr<const HeldRows> rows;
-    std::vector<std::size_t> places;  ///< of the rows that meet the conditions
-  };
-  /// The rows for these values of the conditions, at most `most` and one more.
-  Found Find(const std::vector<SqlComparand>& values, std::size_t most) const;
-
-  /// Adds the columns `wanted` (of the statement) of the first `count` rows found, as often as they have what
-  /// is joined. Another `generation` says that the database may have changed. False, and rows that mean
-  /// nothing, when the rows have no codes to find what is joined by, or when none of them has it and there
-  /// are more: a result without rows would say that there are none at all.
-  bool AddRows(const Found& found, std::size_t count, std::span<const int> wanted, std::uint64_t generation,
-               const ReadOne& read, ResultSetBuilder& builder);
+  /// The rows for these values of the conditions, with what is joined to them. Another `generation` says that
+  /// the database may have changed. nullptr when a row has to be joined to several, or has no code to find by
+  /// what it is joined to.
+  std::shared_ptr<const ResultRows> Rows(const std::vector<SqlComparand>& values, std::uint64_t generation,
+                                         const ReadOne& read);
 
  private:
+  /// Where a column of the statement comes from.
   struct Source {
     int held = -1;    ///< column of the held table, or
     int joined = -1;  ///< column of what is joined
   };
+  struct Batch;
+  class BatchRows;
+
   HeldSelect() = default;
   bool TakeTables(std::span<const SqlToken> tokens, const FindTable& find_table);
   bool TakeConditions(std::span<const SqlToken> tokens, const std::vector<SqlComparand>& values);
   bool TakeReference(const TableShape& held);
   bool CompileJoined(const Compile& compile);
   bool TakeColumns(sqlite3_stmt* whole);
-  /// What is joined, by the code of the reference; null where nobody asked.
-  using Joined = std::vector<std::shared_ptr<const ResultSet>>;
-  Joined& JoinedTo(const std::shared_ptr<const HeldRows>& rows, std::uint64_t generation);
-  const ResultSet& ReadJoined(const HeldColumn& reference, HeldColumn::Code code, const ReadOne& read,
-                              Joined& joined) const;
+  std::shared_ptr<Batch> BatchOf(std::span<const ValueView> values, std::uint64_t generation);
+  std::vector<std::uint32_t> Find(const HeldRows& rows, std::span<const ValueView> values) const;
+  bool JoinTo(std::vector<std::uint32_t>& places, const HeldRows& rows, Batch& batch,
+              const ReadOne& read) const;
 
   const HeldTable* table_ = nullptr;
   std::vector<const TableShape*> joined_tables_;
@@ -82,13 +77,8 @@ class HeldSelect {
   CompiledQuery joined_;
   std::vector<Source> sources_;  // of each column of the statement
 
-  // To the rows of each key, which go when it is released: a report prints items of several keys in turns.
-  struct JoinedRows {
-    std::weak_ptr<const HeldRows> rows;
-    Joined joined;
-  };
-  std::vector<JoinedRows> joined_rows_;
-  std::uint64_t joined_generation_ = 0;
+  std::vector<std::shared_ptr<Batch>> batches_;  // a report prints items of several keys in turns
+  std::uint64_t batches_generation_ = 0;
 };
 
 }  // namespace excelexp

@@ -15,8 +15,8 @@ namespace excelexp {
 namespace {
 
 /// 0 for what begins with no number.
-double LeadingNumber(const HeldValue& value) {
-  if (value.kind != HeldValue::Kind::kText) return value.AsFloat();
+double LeadingNumber(const ValueView& value) {
+  if (value.kind != ValueView::Kind::kText) return value.AsFloat();
   std::string_view text = value.bytes;
   const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
   text.remove_prefix(begin == std::string_view::npos ? text.size() : begin);
@@ -48,7 +48,7 @@ Affinity AffinityOf(const std::string& declared_type) {
   return folded.empty() ? Affinity::kNone : Affinity::kNumeric;
 }
 
-HeldRows::Range HeldRows::Find(std::span<const HeldValue> leading) const {
+HeldRows::Range HeldRows::Find(std::span<const ValueView> leading) const {
   Range range{0, row_count_};
   for (std::size_t i = 0; i < leading.size(); ++i) {
     const HeldColumn& column = Column(order_[i]);
@@ -73,7 +73,7 @@ std::vector<HeldRows::Range> HeldRows::FindNumber(double number) const {
   std::vector<Range> ranges;
   for (const auto& [read, code] :
        std::ranges::equal_range(numbers_, number, {}, &decltype(numbers_)::value_type::first)) {
-    const std::array<HeldValue, 1> value = {column.ValueOf(code)};
+    const std::array<ValueView, 1> value = {column.ValueOf(code)};
     ranges.push_back(Find(value));
   }
   return ranges;
@@ -126,10 +126,10 @@ HeldRowsBuilder::HeldRowsBuilder(const HeldTable& table, const HeldTable::Key& k
         rows_->columns_.emplace_back(sorts ? HeldColumn::Numbers::kByCode : HeldColumn::Numbers::kAsTheyCome);
     const auto key_place = std::ranges::find(table.KeyColumns(), i);
     if (key_place != table.KeyColumns().end()) {
-      column.CodeOf(HeldValue::Text(key[static_cast<std::size_t>(key_place - table.KeyColumns().begin())]));
+      column.CodeOf(ValueView::Text(key[static_cast<std::size_t>(key_place - table.KeyColumns().begin())]));
     } else if (std::ranges::find(given, i) == given.end()) {
       const HeldTable::Column& stored = table.Columns()[static_cast<std::size_t>(i)];
-      if (stored.not_null && stored.default_value.kind == HeldValue::Kind::kNull) without_value_ = &stored;
+      if (stored.not_null && stored.default_value.kind == ValueView::Kind::kNull) without_value_ = &stored;
       column.CodeOf(stored.default_value);
     }
   }
@@ -145,20 +145,20 @@ void HeldRowsBuilder::Restrict(std::size_t given, std::vector<std::string> texts
   std::ranges::sort(wanted_texts_);
 }
 
-bool HeldRowsBuilder::IsWanted(const HeldValue& value) {
+bool HeldRowsBuilder::IsWanted(const ValueView& value) {
   const HeldColumn::Code code = seen_.CodeOf(value);
   if (code == is_wanted_.size()) {
-    is_wanted_.push_back(value.kind == HeldValue::Kind::kText &&
+    is_wanted_.push_back(value.kind == ValueView::Kind::kText &&
                          std::ranges::binary_search(wanted_texts_, value.bytes));
   }
   return is_wanted_[code];
 }
 
-void HeldRowsBuilder::Add(std::span<const HeldValue> values) {
+void HeldRowsBuilder::Add(std::span<const ValueView> values) {
   if (restricted_ >= 0 && !IsWanted(values[static_cast<std::size_t>(restricted_)])) return;
   if (without_value_ != nullptr) FailNull(*without_value_);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i].kind == HeldValue::Kind::kNull && given_[i].of_table->not_null)
+    if (values[i].kind == ValueView::Kind::kNull && given_[i].of_table->not_null)
       FailNull(*given_[i].of_table);
     given_[i].column->Add(values[i]);
   }

@@ -27,7 +27,7 @@ class HeldRows {
     std::size_t end;
   };
   /// The rows whose first order columns have these values.
-  Range Find(std::span<const HeldValue> leading) const;
+  Range Find(std::span<const ValueView> leading) const;
   /// The rows whose first order column has a text that reads as that number: "7", "07", "7.0". They may not
   /// be neighbours.
   std::vector<Range> FindNumber(double number) const;
@@ -56,7 +56,7 @@ class HeldTable {
     std::string declared_type;
     Affinity affinity = Affinity::kNone;
     bool not_null = false;
-    HeldValue default_value = {};  ///< its text points to default_text
+    ValueView default_value = {};  ///< its text points to default_text
     std::string default_text = {};
   };
   using Key = std::vector<std::string>;
@@ -106,7 +106,7 @@ class HeldRowsBuilder {
 
   /// Adds a row of as many values as there are given columns, as the database would store them there. Throws
   /// DatabaseError for a NULL where the column takes none, also where it is the default.
-  void Add(std::span<const HeldValue> values);
+  void Add(std::span<const ValueView> values);
 
   std::size_t Bytes() const;
   std::shared_ptr<const HeldRows> Finish();
@@ -116,7 +116,7 @@ class HeldRowsBuilder {
     HeldColumn* column;
     const HeldTable::Column* of_table;
   };
-  bool IsWanted(const HeldValue& value);
+  bool IsWanted(const ValueView& value);
   [[noreturn]] void FailNull(const HeldTable::Column& column) const;
   void Sort();
 

@@ -200,9 +200,9 @@ std::string_view TextOf(sqlite3_value* value) {
 std::vector<HeldRows::Range> Narrowed(const HeldRows& rows, sqlite3_value** values, std::size_t count) {
   if (count > 0 && sqlite3_value_type(values[0]) == SQLITE_INTEGER)
     return rows.FindNumber(sqlite3_value_double(values[0]));
-  std::vector<HeldValue> leading;
+  std::vector<ValueView> leading;
   for (std::size_t i = 0; i < count && sqlite3_value_type(values[i]) == SQLITE_TEXT; ++i)
-    leading.push_back(HeldValue::Text(TextOf(values[i])));
+    leading.push_back(ValueView::Text(TextOf(values[i])));
   return {rows.Find(leading)};
 }
 
@@ -262,21 +262,21 @@ int Eof(sqlite3_vtab_cursor* cursor) {
 // The texts stay as they are while a statement runs: rows are replaced between statements.
 int Column(sqlite3_vtab_cursor* base, sqlite3_context* context, int column) {
   const Cursor& cursor = CursorOf(base);
-  const HeldValue value = cursor.stretches[cursor.stretch].rows->Column(column).At(cursor.Row());
+  const ValueView value = cursor.stretches[cursor.stretch].rows->Column(column).At(cursor.Row());
   switch (value.kind) {
-    case HeldValue::Kind::kNull:
+    case ValueView::Kind::kNull:
       sqlite3_result_null(context);
       break;
-    case HeldValue::Kind::kInteger:
+    case ValueView::Kind::kInteger:
       sqlite3_result_int64(context, value.integer);
       break;
-    case HeldValue::Kind::kFloat:
+    case ValueView::Kind::kFloat:
       sqlite3_result_double(context, value.AsFloat());
       break;
-    case HeldValue::Kind::kText:
+    case ValueView::Kind::kText:
       sqlite3_result_text64(context, value.bytes.data(), value.bytes.size(), SQLITE_STATIC, SQLITE_UTF8);
       break;
-    case HeldValue::Kind::kBlob:
+    case ValueView::Kind::kBlob:
       sqlite3_result_blob64(context, value.bytes.data(), value.bytes.size(), SQLITE_STATIC);
   }
   return SQLITE_OK;

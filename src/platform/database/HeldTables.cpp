@@ -17,14 +17,14 @@
 namespace excelexp {
 namespace {
 
-HeldValue WholeIfPossible(double value) {
+ValueView WholeIfPossible(double value) {
   constexpr double kBeyond = 9223372036854775808.0;  // 2^63, the first that is no integer of the database
   return value > -kBeyond && value < kBeyond && value == std::floor(value)
-             ? HeldValue::Integer(static_cast<std::int64_t>(value))
-             : HeldValue::Float(value);
+             ? ValueView::Integer(static_cast<std::int64_t>(value))
+             : ValueView::Float(value);
 }
 
-HeldValue ValueFor(sqlite3_value* value, Affinity affinity) {
+ValueView ValueFor(sqlite3_value* value, Affinity affinity) {
   int type = sqlite3_value_type(value);
   const bool wants_number = affinity == Affinity::kNumeric || affinity == Affinity::kReal;
   if (type == SQLITE_TEXT && wants_number) type = sqlite3_value_numeric_type(value);
@@ -32,19 +32,19 @@ HeldValue ValueFor(sqlite3_value* value, Affinity affinity) {
   if (is_number && affinity == Affinity::kText) type = SQLITE_TEXT;
   switch (type) {
     case SQLITE_INTEGER:
-      return affinity == Affinity::kReal ? HeldValue::Float(sqlite3_value_double(value))
-                                         : HeldValue::Integer(sqlite3_value_int64(value));
+      return affinity == Affinity::kReal ? ValueView::Float(sqlite3_value_double(value))
+                                         : ValueView::Integer(sqlite3_value_int64(value));
     case SQLITE_FLOAT:
       return affinity == Affinity::kNumeric ? WholeIfPossible(sqlite3_value_double(value))
-                                            : HeldValue::Float(sqlite3_value_double(value));
+                                            : ValueView::Float(sqlite3_value_double(value));
     case SQLITE_TEXT: {
       const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-      return HeldValue::Text({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+      return ValueView::Text({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
     }
     case SQLITE_BLOB: {
       const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
       const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
-      return {HeldValue::Kind::kBlob, 0, size == 0 ? std::string_view() : std::string_view(bytes, size)};
+      return {ValueView::Kind::kBlob, 0, size == 0 ? std::string_view() : std::string_view(bytes, size)};
     }
     default:
       return {};
@@ -218,7 +218,7 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
   std::vector<Affinity> affinities;
   for (const int place : given)
     affinities.push_back(table.Columns()[static_cast<std::size_t>(place)].affinity);
-  std::vector<HeldValue> values(given.size());
+  std::vector<ValueView> values(given.size());
   for (int count = 1; connection_.Step(select, rows.select); ++count) {
     for (std::size_t i = 0; i < given.size(); ++i) {
       values[i] = ValueFor(sqlite3_column_value(select, static_cast<int>(i)), affinities[i]);

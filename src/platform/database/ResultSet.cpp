@@ -26,69 +26,6 @@ std::uint32_t HashName(std::string_view name) {
   return hash;
 }
 
-std::size_t Mix(std::size_t hash, std::uint64_t word) {
-  hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
-  return hash ^ hash >> 32;  // the table takes the low bits, and a product's low bits know little
-}
-
-std::uint64_t LoadWord(const char* bytes) {
-  std::uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-// Up to seven bytes; some may count twice.
-std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
-  if (count == 0) return 0;
-  if (count < 4) {
-    const auto byte = [bytes](std::size_t at) {
-      return std::uint64_t{static_cast<unsigned char>(bytes[at])};
-    };
-    return byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16;
-  }
-  std::uint32_t halves[2];
-  std::memcpy(&halves[0], bytes, 4);
-  std::memcpy(&halves[1], bytes + count - 4, 4);
-  return halves[0] | std::uint64_t{halves[1]} << 32;
-}
-
-// The number that is written like this in decimal, no sign and no zero too many.
-std::optional<std::int64_t> PlainNumber(std::string_view text) {
-  const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
-  if (digits.empty() || digits.front() > '9' || digits.front() < '0') return std::nullopt;
-  if (digits.front() == '0') return text == "0" ? std::optional<std::int64_t>(0) : std::nullopt;
-  std::int64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool whole = error == std::errc{} && end == text.data() + text.size();
-  return whole ? std::optional(number) : std::nullopt;
-}
-
-// Keys are short; calling memcmp costs more than comparing them.
-bool SameBytes(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  if (a.size() > 16) return std::memcmp(a.data(), b.data(), a.size()) == 0;
-  if (a.size() < 8) return LoadBytes(a.data(), a.size()) == LoadBytes(b.data(), b.size());
-  const std::size_t last = a.size() - 8;
-  return LoadWord(a.data()) == LoadWord(b.data()) && LoadWord(a.data() + last) == LoadWord(b.data() + last);
-}
-
-// A text that a number is written like has the number's hash, because it equals the number. Keys are short: a
-// word at a time beats a hash for long texts.
-std::size_t Combine(std::size_t hash, std::string_view text) {
-  if (const std::optional<std::int64_t> number = PlainNumber(text))
-    return Mix(hash, static_cast<std::uint64_t>(*number));
-  hash += text.size();
-  if (text.size() < 8) return Mix(hash, LoadBytes(text.data(), text.size()));
-  for (std::size_t at = 0; at + 8 < text.size(); at += 8) hash = Mix(hash, LoadWord(text.data() + at));
-  return Mix(hash, LoadWord(text.data() + text.size() - 8));
-}
-
-std::size_t Combine(std::size_t hash, const KeyView& key) {
-  const auto* number = std::get_if<std::int64_t>(&key);
-  return number != nullptr ? Mix(hash, static_cast<std::uint64_t>(*number))
-                           : Combine(hash, std::get<std::string_view>(key));
-}
-
 std::string_view TrimLeft(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(" \t\r\n");
   return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
@@ -128,10 +65,6 @@ std::int64_t ReadInteger(std::string_view text) {
 
 }  // namespace
 
-struct ResultSet::TextBuffer {
-  std::array<char, 40> bytes;
-};
-
 ResultColumns::ResultColumns(std::vector<std::string> names)
     : names_(std::move(names)), slots_(std::bit_ceil(names_.size() * 2 + 1)), asked_(names_.size()) {
   const std::size_t mask = slots_.size() - 1;
@@ -165,6 +98,13 @@ std::vector<int> ResultColumns::Asked() const {
 ResultSet::ResultSet(std::shared_ptr<const ResultColumns> columns)
     : columns_(std::move(columns)), width_(static_cast<std::size_t>(columns_->Count())) {}
 
+ResultSet::ResultSet(std::shared_ptr<const ResultColumns> columns, std::shared_ptr<const ResultRows> rows)
+    : ResultSet(std::move(columns)) {
+  rows_ = std::move(rows);
+  row_count_ = rows_->RowCount();
+  bytes_ = sizeof(ResultSet) + row_count_ * sizeof(std::uint32_t);
+}
+
 ResultSet::~ResultSet() = default;
 
 const ResultSet& ResultSet::Rest(Missing missing) const {
@@ -191,63 +131,28 @@ ResultSet::Place ResultSet::PlaceElsewhere(int row, int column) const {
   return Rest(Missing::kColumns).PlaceOf(row, column);
 }
 
-bool ResultSet::IsNull(int row, int column) const {
-  const Place place = PlaceOf(row, column);
-  return place.result->At(place).kind == Kind::kNull;
-}
-
-std::string_view ResultSet::Written(Value value, TextBuffer& buffer) const {
-  char* const begin = buffer.bytes.data();
-  char* const end = begin + buffer.bytes.size();
-  switch (value.kind) {
-    case Kind::kNull:
-      return {};
-    case Kind::kInteger: {
-      const char* last = std::to_chars(begin, end, static_cast<std::int64_t>(value.bits)).ptr;
-      return {begin, static_cast<std::size_t>(last - begin)};
-    }
-    case Kind::kFloat: {
-      const double number = std::bit_cast<double>(value.bits);
-      const double size = std::abs(number);
-      if (size == 0.0) return "0";  // also for -0.0
-      const bool plain = size >= 1e-5 && size < 1e15;
-      const auto form = plain ? std::chars_format::fixed : std::chars_format::general;
-      return {begin, static_cast<std::size_t>(std::to_chars(begin, end, number, form).ptr - begin)};
-    }
-    case Kind::kText:
-    case Kind::kBlob:
-      break;
-  }
-  return TextOf(value.bits);
-}
-
 std::string ResultSet::AsText(int row, int column) const {
-  const Place place = PlaceOf(row, column);
   TextBuffer buffer;
-  return std::string(place.result->AsView(place.result->At(place), buffer));
+  return std::string(ShownText(At(row, column), buffer));
 }
 
 std::int64_t ResultSet::AsInteger(int row, int column) const {
-  const Place place = PlaceOf(row, column);
-  const Value value = place.result->At(place);
-  if (value.kind == Kind::kInteger) return static_cast<std::int64_t>(value.bits);
-  if (value.kind == Kind::kFloat) return Truncate(std::bit_cast<double>(value.bits));
-  return value.kind == Kind::kNull ? 0 : ReadInteger(place.result->TextOf(value.bits));
+  const ValueView value = At(row, column);
+  if (value.kind == Kind::kInteger) return value.integer;
+  if (value.kind == Kind::kFloat) return Truncate(value.AsFloat());
+  return value.kind == Kind::kNull ? 0 : ReadInteger(value.bytes);
 }
 
 double ResultSet::AsFloat(int row, int column) const {
-  const Place place = PlaceOf(row, column);
-  const Value value = place.result->At(place);
-  if (value.kind == Kind::kFloat) return std::bit_cast<double>(value.bits);
-  if (value.kind == Kind::kInteger) return static_cast<double>(static_cast<std::int64_t>(value.bits));
-  return value.kind == Kind::kNull ? 0.0 : ReadFloat(place.result->TextOf(value.bits));
+  const ValueView value = At(row, column);
+  if (IsNumber(value.kind)) return value.AsFloat();
+  return value.kind == Kind::kNull ? 0.0 : ReadFloat(value.bytes);
 }
 
 DateTime ResultSet::AsDateTime(int row, int column) const {
-  const Place place = PlaceOf(row, column);
-  const Value value = place.result->At(place);
+  const ValueView value = At(row, column);
   TextBuffer buffer;
-  const std::string_view text = place.result->AsView(value, buffer);
+  const std::string_view text = ShownText(value, buffer);
   const bool is_text = value.kind == Kind::kText;
   if (text.empty() || (!is_text && text == "0")) return {};
   if (!is_text) FailDate(column, std::string(text));
@@ -284,8 +189,11 @@ ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
     if (place < 0) return Rest(Missing::kColumns).SearchBy(columns);
     index.places.push_back(static_cast<std::size_t>(place));
   }
-  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i)
-    if (Varies(index.places[i])) index.hashed.push_back(i);
+  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i) {
+    if (!Varies(index.places[i])) continue;
+    index.varying.push_back(i);
+    index.varying_places.push_back(index.places[i]);
+  }
   bytes_ += sizeof(Index);
   return {*this, *indexes_.emplace_back(std::make_unique<Index>(std::move(index)))};
 }
@@ -303,54 +211,40 @@ int ResultSet::FindBy(Index& index, std::span<const KeyView> keys) const {
     EnterRows(index);
   }
   std::size_t hash = 0;
-  for (const std::size_t i : index.hashed) hash = Combine(hash, keys[i]);
+  for (const std::size_t i : index.varying) hash = MixKeys(hash, HashOfKey(keys[i]));
   const std::size_t mask = index.slots.size() - 1;
-  for (std::size_t slot = hash & mask; index.slots[slot] != 0; slot = (slot + 1) & mask) {
-    const std::size_t row = index.slots[slot] - 1;
-    if (Equals(RowAt(row), index, keys)) return static_cast<int>(row);
+  for (std::size_t at = hash & mask; index.slots[at].row != 0; at = (at + 1) & mask) {
+    const Index::Slot& slot = index.slots[at];
+    if (slot.hash == static_cast<std::uint32_t>(hash) && Equals(slot.row - 1, index, keys))
+      return static_cast<int>(slot.row - 1);
   }
   return -1;
-}
-
-inline bool ResultSet::IsKey(Value value, const KeyView& key) const {
-  if (const auto* const number = std::get_if<std::int64_t>(&key)) {
-    return value.kind == Kind::kInteger ? static_cast<std::int64_t>(value.bits) == *number
-                                        : WrittenAs(value, *number);
-  }
-  TextBuffer buffer;
-  return SameBytes(AsView(value, buffer), *std::get_if<std::string_view>(&key));
 }
 
 int ResultSet::FindByRow(const Index& index, std::span<const KeyView> keys) const {
   for (std::size_t row = 0; row < row_count_; ++row) {
-    const Row values = RowAt(row);
-    const auto is_key = [&](std::size_t i) { return IsKey(values[index.places[i]], keys[i]); };
-    if (std::ranges::all_of(index.hashed, is_key) && Equals(values, index, keys))
-      return static_cast<int>(row);
+    const auto is_key = [&](std::size_t i) { return IsKey(ValueAt(row, index.places[i]), keys[i]); };
+    if (std::ranges::all_of(index.varying, is_key) && Equals(row, index, keys)) return static_cast<int>(row);
   }
   return -1;
 }
 
-bool ResultSet::Equals(Row row, const Index& index, std::span<const KeyView> keys) const {
+bool ResultSet::Equals(std::size_t row, const Index& index, std::span<const KeyView> keys) const {
   for (std::size_t i = 0; i < keys.size(); ++i)
-    if (!IsKey(row[index.places[i]], keys[i])) return false;
+    if (!IsKey(ValueAt(row, index.places[i]), keys[i])) return false;
   return true;
-}
-
-bool ResultSet::WrittenAs(Value value, std::int64_t number) const {
-  TextBuffer buffer;
-  TextBuffer number_buffer;
-  return AsView(value, buffer) == AsView({Kind::kInteger, static_cast<std::uint64_t>(number)}, number_buffer);
 }
 
 // Values that are equal most often share their bits; where they do not, hashing them does no harm.
 bool ResultSet::Varies(std::size_t column) const {
-  const Value first = AtUnchecked(0, column);
+  if (rows_ != nullptr) return rows_->Varies(column);
+  const Kind kind = blocks_.front().kinds[column];
+  const std::uint64_t bits = blocks_.front().bits[column];
   std::size_t rows_left = row_count_;
   for (const Block& block : blocks_) {
     const std::size_t cells = std::min(rows_left, kBlockRows) * width_;
     for (std::size_t cell = column; cell < cells; cell += width_)
-      if (block.bits[cell] != first.bits || block.kinds[cell] != first.kind) return true;
+      if (block.bits[cell] != bits || block.kinds[cell] != kind) return true;
     rows_left -= cells / width_;
   }
   return false;
@@ -358,33 +252,34 @@ bool ResultSet::Varies(std::size_t column) const {
 
 // Of rows with equal keys only the first is entered: it is the one that counts.
 void ResultSet::EnterRows(Index& index) const {
-  index.slots.resize(std::bit_ceil(row_count_ * 2 + 1));
-  bytes_ += index.slots.size() * sizeof(std::uint32_t);
+  // Where no column tells rows apart, the first is all that counts.
+  const std::size_t rows = index.varying.empty() ? std::min<std::size_t>(row_count_, 1) : row_count_;
+  index.slots.resize(std::bit_ceil(rows * 2 + 1));
+  bytes_ += index.slots.size() * sizeof(Index::Slot);
+  std::vector<std::size_t> hashes(rows);
+  for (const std::size_t column : index.varying_places) MixColumn(column, hashes);
   const std::size_t mask = index.slots.size() - 1;
-  TextBuffer buffer;
-  for (std::size_t row = 0; row < row_count_; ++row) {
-    const Row values = RowAt(row);
-    std::size_t hash = 0;
-    for (const std::size_t i : index.hashed) {
-      const Value value = values[index.places[i]];
-      hash = value.kind == Kind::kInteger ? Mix(hash, value.bits) : Combine(hash, AsView(value, buffer));
-    }
-    std::size_t slot = hash & mask;
-    while (index.slots[slot] != 0 && !SameKeys(values, RowAt(index.slots[slot] - 1), index))
-      slot = (slot + 1) & mask;
-    if (index.slots[slot] == 0) index.slots[slot] = static_cast<std::uint32_t>(row + 1);
+  for (std::size_t row = 0; row < rows; ++row) {
+    const auto low = static_cast<std::uint32_t>(hashes[row]);
+    const auto is_known = [&](const Index::Slot& slot) {
+      return slot.hash == low && HaveSameKeys(row, slot.row - 1, index.varying_places);
+    };
+    std::size_t at = hashes[row] & mask;
+    while (index.slots[at].row != 0 && !is_known(index.slots[at])) at = (at + 1) & mask;
+    if (index.slots[at].row == 0) index.slots[at] = {low, static_cast<std::uint32_t>(row + 1)};
   }
 }
 
-bool ResultSet::SameKeys(Row row, Row other, const Index& index) const {
-  TextBuffer buffer;
-  TextBuffer other_buffer;
-  return std::ranges::all_of(index.hashed, [&](std::size_t i) {
-    const Value value = row[index.places[i]];
-    const Value other_value = other[index.places[i]];
-    if (value.kind == Kind::kInteger && other_value.kind == Kind::kInteger)
-      return value.bits == other_value.bits;
-    return AsView(value, buffer) == AsView(other_value, other_buffer);
+void ResultSet::MixColumn(std::size_t column, std::span<std::size_t> hashes) const {
+  if (rows_ != nullptr) return rows_->MixColumn(column, hashes);
+  for (std::size_t row = 0; row < hashes.size(); ++row)
+    hashes[row] = MixKeys(hashes[row], HashOfKey(ValueAt(row, column)));
+}
+
+bool ResultSet::HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const {
+  if (rows_ != nullptr) return rows_->HaveSameKeys(row, other, columns);
+  return std::ranges::all_of(columns, [&](std::size_t column) {
+    return HaveSameText(ValueAt(row, column), ValueAt(other, column));
   });
 }
 
@@ -401,7 +296,7 @@ ResultSetBuilder::ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
   result_->width_ = width;
 }
 
-bool ResultSetBuilder::BeginRow() {
+void ResultSetBuilder::BeginRow() {
   ResultSet& result = *result_;
   const std::size_t row = result.row_count_++ & (ResultSet::kBlockRows - 1);
   if (row == 0) {
@@ -418,7 +313,6 @@ bool ResultSetBuilder::BeginRow() {
   }
   kind_ = block.kinds.get() + row * width_;
   bits_ = block.bits.get() + row * width_;
-  return row == 0;
 }
 
 void ResultSetBuilder::Resize(ResultSet::Block& block, std::size_t old_rows, std::size_t new_rows) {
@@ -456,10 +350,9 @@ void ResultSetBuilder::AddBytes(Kind kind, std::string_view bytes) {
 }
 
 void ResultSetBuilder::AddFrom(const ResultSet& source, int row, int column) {
-  const ResultSet::Value value =
-      source.AtUnchecked(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
-  const bool is_bytes = value.kind == Kind::kText || value.kind == Kind::kBlob;
-  is_bytes ? AddBytes(value.kind, source.TextOf(value.bits)) : Add(value.kind, value.bits);
+  const ValueView value = source.ValueAt(static_cast<std::size_t>(row), static_cast<std::size_t>(column));
+  IsBytes(value.kind) ? AddBytes(value.kind, value.bytes)
+                      : Add(value.kind, static_cast<std::uint64_t>(value.integer));
 }
 
 std::size_t ResultSetBuilder::Bytes() const {

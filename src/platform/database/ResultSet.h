@@ -8,17 +8,13 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
+#include "platform/database/ResultKeys.h"
+#include "platform/database/ValueView.h"
 #include "platform/host/DateTime.h"
 
 namespace excelexp {
-
-/// One value of a Locate: integers and texts may stand in one list.
-using KeyValue = std::variant<std::int64_t, std::string>;
-/// The same with texts that stay the caller's.
-using KeyView = std::variant<std::int64_t, std::string_view>;
 
 /// The columns of a statement's results, shared by all of them, which of them have been asked for by name,
 /// and whether the rows of a result have been searched often. Letter case does not count; of two columns of
@@ -59,6 +55,21 @@ class ResultColumns {
   mutable bool searched_often_ = false;
 };
 
+/// Rows of values that a result shows without holding them itself; the same for as long as they are there.
+class ResultRows {
+ public:
+  virtual ~ResultRows() = default;
+  virtual std::size_t RowCount() const = 0;
+  virtual ValueView At(std::size_t row, std::size_t column) const = 0;
+  /// False only if all rows have the same value there.
+  virtual bool Varies(std::size_t column) const = 0;
+  /// MixKeys for each row: its hash so far with HashOfKey of its value in the column.
+  virtual void MixColumn(std::size_t column, std::span<std::size_t> hashes) const = 0;
+  /// HaveSameText in all of these columns.
+  virtual bool HaveSameKeys(std::size_t row, std::size_t other,
+                            std::span<const std::size_t> columns) const = 0;
+};
+
 /// The result of a query, never changed, shared by any number of cursors of one thread.
 ///
 /// What a result leaves out of the first reading (rows behind the first ones, columns that nobody asked for
@@ -73,6 +84,8 @@ class ResultSet {
   /// The same result with all of its rows (and the same columns at least), or with everything.
   using Fetch = std::function<std::shared_ptr<const ResultSet>(Missing)>;
 
+  /// Shows rows that are held elsewhere, with all columns.
+  ResultSet(std::shared_ptr<const ResultColumns> columns, std::shared_ptr<const ResultRows> rows);
   ResultSet(const ResultSet&) = delete;
   ResultSet& operator=(const ResultSet&) = delete;
   ~ResultSet();
@@ -87,9 +100,13 @@ class ResultSet {
   /// -1 when there is no such column.
   int ColumnIndex(std::string_view name) const { return columns_->Find(name); }
 
-  bool IsNull(int row, int column) const;
-  /// Integers in decimal; numbers as the shortest text that reads back as the same value, without exponent
-  /// between 1e-5 and 1e15, whole ones without a point.
+  /// As the database knows it; its text or blob stays as long as this result.
+  ValueView At(int row, int column) const {
+    const Place place = PlaceOf(row, column);
+    return place.result->ValueAt(place.row, place.column);
+  }
+  bool IsNull(int row, int column) const { return At(row, column).kind == ValueView::Kind::kNull; }
+  /// As ShownText of the value.
   std::string AsText(int row, int column) const;
   /// Fractions are cut off; values beyond 64 bits become the nearest that fits.
   std::int64_t AsInteger(int row, int column) const;
@@ -119,29 +136,30 @@ class ResultSet {
 
  private:
   friend class ResultSetBuilder;
-  enum class Kind : std::uint8_t { kNull, kInteger, kFloat, kText, kBlob };
+  using Kind = ValueView::Kind;
   /// Where a value stands: in this result, or in the one that was fetched later.
   struct Place {
     const ResultSet* result;
     std::size_t row;
     std::size_t column;
   };
-  // An integer or a number as its bits; a text or blob as its offset (high half) and length in text_.
-  struct Value {
-    Kind kind;
-    std::uint64_t bits;
-  };
-  // Rows in blocks: a large result grows without being copied.
+  // Rows in blocks: a large result grows without being copied. An integer or a number stands as its bits; a
+  // text or blob as its offset (high half) and length in text_.
   struct Block {
     std::unique_ptr<std::uint64_t[]> bits;
     std::unique_ptr<Kind[]> kinds;
   };
   struct Index {
+    struct Slot {
+      std::uint32_t hash;
+      std::uint32_t row;  // counted from 1; 0: nobody stands here
+    };
     std::vector<int> columns;
-    std::vector<std::size_t> hashed;   // which of them tell rows apart
-    std::vector<std::size_t> places;   // of all columns, among those that are here
-    std::vector<std::uint32_t> slots;  // row + 1, or 0; a power of two of them, or none before they pay
-    int searches = 0;                  // through all rows
+    std::vector<std::size_t> places;          // of the columns among those that are here
+    std::vector<std::size_t> varying;         // which of the columns tell rows apart
+    std::vector<std::size_t> varying_places;  // and their places
+    std::vector<Slot> slots;                  // a power of two of them, or none before they pay
+    int searches = 0;                         // through all rows
   };
   static constexpr std::size_t kBlockShift = 10;
   static constexpr std::size_t kBlockRows = std::size_t{1} << kBlockShift;
@@ -160,26 +178,15 @@ class ResultSet {
   }
   Place PlaceElsewhere(int row, int column) const;
   const ResultSet& Rest(Missing missing) const;
-  struct Row {
-    const Kind* kinds;
-    const std::uint64_t* bits;
-    Value operator[](std::size_t column) const { return {kinds[column], bits[column]}; }
-  };
-  Row RowAt(std::size_t row) const {
+  ValueView ValueAt(std::size_t row, std::size_t column) const {
+    if (rows_ != nullptr) return rows_->At(row, column);
     const Block& block = blocks_[row >> kBlockShift];
-    const std::size_t cell = (row & (kBlockRows - 1)) * width_;
-    return {block.kinds.get() + cell, block.bits.get() + cell};
+    const std::size_t cell = (row & (kBlockRows - 1)) * width_ + column;
+    const Kind kind = block.kinds[cell];
+    const std::uint64_t bits = block.bits[cell];
+    if (!IsBytes(kind)) return {kind, static_cast<std::int64_t>(bits)};
+    return {kind, 0, {text_.data() + (bits >> 32), static_cast<std::size_t>(bits & 0xffffffffu)}};
   }
-  Value AtUnchecked(std::size_t row, std::size_t column) const { return RowAt(row)[column]; }
-  Value At(const Place& place) const { return AtUnchecked(place.row, place.column); }
-  std::string_view TextOf(std::uint64_t bits) const {
-    return {text_.data() + (bits >> 32), static_cast<std::size_t>(bits & 0xffffffffu)};
-  }
-  struct TextBuffer;
-  std::string_view AsView(Value value, TextBuffer& buffer) const {
-    return value.kind == Kind::kText ? TextOf(value.bits) : Written(value, buffer);
-  }
-  std::string_view Written(Value value, TextBuffer& buffer) const;
   [[noreturn]] void FailDate(int column, const std::string& text) const;
 
   int FindBy(Index& index, std::span<const KeyView> keys) const;
@@ -187,10 +194,9 @@ class ResultSet {
   Index* KnownIndex(std::span<const int> columns) const;
   bool Varies(std::size_t column) const;
   void EnterRows(Index& index) const;
-  bool Equals(Row row, const Index& index, std::span<const KeyView> keys) const;
-  bool IsKey(Value value, const KeyView& key) const;
-  bool WrittenAs(Value value, std::int64_t number) const;
-  bool SameKeys(Row row, Row other, const Index& index) const;
+  bool Equals(std::size_t row, const Index& index, std::span<const KeyView> keys) const;
+  void MixColumn(std::size_t column, std::span<std::size_t> hashes) const;
+  bool HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const;
 
   std::shared_ptr<const ResultColumns> columns_;
   std::shared_ptr<const std::vector<int>>
@@ -201,6 +207,7 @@ class ResultSet {
   mutable std::shared_ptr<const ResultSet> rest_;
   mutable std::exception_ptr rest_failed_;
   std::size_t row_count_ = 0;
+  std::shared_ptr<const ResultRows> rows_;  // null: they are in the blocks
   std::vector<Block> blocks_;
   std::string text_;
   mutable std::vector<std::unique_ptr<Index>> indexes_;
@@ -230,19 +237,14 @@ class ResultSetBuilder {
   ResultSetBuilder(std::shared_ptr<const ResultColumns> columns,
                    std::shared_ptr<const std::vector<int>> places, std::size_t width);
 
-  /// Makes room for one more row; its columns are then to be added. True when no row stands above it in
-  /// memory.
-  bool BeginRow();
+  /// Makes room for one more row; its columns are then to be added.
+  void BeginRow();
   void AddNull() { Add(ResultSet::Kind::kNull, 0); }
   void AddInteger(std::int64_t value) { Add(ResultSet::Kind::kInteger, static_cast<std::uint64_t>(value)); }
   void AddFloat(double value);
   void AddText(std::string_view text) { AddBytes(ResultSet::Kind::kText, text); }
   void AddBlob(std::string_view bytes) { AddBytes(ResultSet::Kind::kBlob, bytes); }
 
-  /// The value of the row above, if one stands there.
-  void AddSame() {
-    Add(kind_[-static_cast<std::ptrdiff_t>(width_)], bits_[-static_cast<std::ptrdiff_t>(width_)]);
-  }
   /// The same value as in another result, one that is complete.
   void AddFrom(const ResultSet& source, int row, int column);
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
-#include <numeric>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -118,8 +117,7 @@ class SqliteDatabase final : public Database {
   bool ReadAllKeys(KeptStatement& kept);
   SqliteStatement CompileForAllKeys(const KeptStatement& kept, sqlite3_stmt* single);
   void ReadRowsOfAllKeys(KeptStatement& kept);
-  std::shared_ptr<const ResultSet> ReadHeld(KeptStatement& kept, const std::string& sql,
-                                            const Reading& reading);
+  std::shared_ptr<const ResultSet> ReadHeld(KeptStatement& kept, const std::string& sql);
   HeldSelect* HeldSelectOf(KeptStatement& kept);
   std::shared_ptr<const ResultSet> ReadJoined(sqlite3_stmt* statement, std::string_view value,
                                               const std::string& sql);
@@ -241,7 +239,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const std::string& sql,
                                                       const Reading& reading) {
-  if (std::shared_ptr<const ResultSet> held = ReadHeld(kept, sql, reading)) return held;
+  if (std::shared_ptr<const ResultSet> held = ReadHeld(kept, sql)) return held;
   if (std::shared_ptr<const ResultSet> known = ReadKeyed(kept, sql, reading)) return known;
   reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
   // A function of the database may turn out to ask for it.
@@ -366,33 +364,13 @@ void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
 }
 
 /// nullptr for a statement that rows held in memory do not answer.
-std::shared_ptr<const ResultSet> SqliteDatabase::ReadHeld(KeptStatement& kept, const std::string& sql,
-                                                          const Reading& reading) {
+std::shared_ptr<const ResultSet> SqliteDatabase::ReadHeld(KeptStatement& kept, const std::string& sql) {
   HeldSelect* const select = HeldSelectOf(kept);
   if (select == nullptr) return nullptr;
-  const std::size_t most = reading.all_rows ? kAllRows : kFirstRows;
-  const HeldSelect::Found found = select->Find(statements_.Values(), most);
-  const bool has_more_rows = found.places.size() > most;
-  // The first result of a shape shows what its readers want.
-  const bool all_columns = reading.all_columns || kept.runs == 0;
-  std::vector<int> wanted = kept.columns->Asked();
-  if (all_columns) {
-    wanted.resize(static_cast<std::size_t>(kept.columns->Count()));
-    std::iota(wanted.begin(), wanted.end(), 0);
-  }
-  auto places = std::make_shared<std::vector<int>>(kept.columns->Count(), -1);
-  for (int i = 0; i < static_cast<int>(wanted.size()); ++i)
-    places->at(static_cast<std::size_t>(wanted[i])) = i;
-  ResultSetBuilder builder = all_columns ? ResultSetBuilder(kept.columns)
-                                         : ResultSetBuilder(kept.columns, std::move(places), wanted.size());
-  const auto read_joined = [&](sqlite3_stmt* joined, std::string_view value) {
-    return ReadJoined(joined, value, sql);
-  };
-  const std::size_t count = std::min(found.places.size(), most);
-  if (!select->AddRows(found, count, wanted, writes_noted_, read_joined, builder)) return nullptr;
-  if (builder.Bytes() > options_.max_result_bytes) FailSize(sql, options_.max_result_bytes);
-  const bool is_partial = has_more_rows || !all_columns;
-  return is_partial ? Partial(builder, sql, has_more_rows, std::nullopt) : builder.Finish();
+  std::shared_ptr<const ResultRows> rows = select->Rows(
+      statements_.Values(), writes_noted_,
+      [&](sqlite3_stmt* joined, std::string_view value) { return ReadJoined(joined, value, sql); });
+  return rows == nullptr ? nullptr : std::make_shared<const ResultSet>(kept.columns, std::move(rows));
 }
 
 HeldSelect* SqliteDatabase::HeldSelectOf(KeptStatement& kept) {
