@@ -35,11 +35,11 @@ class HeldColumn {
   /// The code of a value, which gets one if it has none. Only while the column has codes.
   Code CodeOf(const ValueView& value) {
     if (values_.empty()) return last_ = SearchCode(value);
-    if (Is(values_[last_], value)) return last_;
-    const Code next = values_[last_].next;
-    if (Is(values_[next], value)) return last_ = next;
-    const Code code = SearchCode(value);
-    values_[last_].next = code;
+    Code code = values_[last_].next;
+    if (!Is(values_[code], value)) {
+      code = Is(values_[last_], value) ? last_ : SearchCode(value);
+      values_[last_].next = code;
+    }
     return last_ = code;
   }
 
@@ -102,9 +102,7 @@ class HeldColumn {
   bool Is(const Value& known, const ValueView& value) const {
     if (known.kind != value.kind) return false;
     if (!IsBytes(value.kind)) return static_cast<std::int64_t>(known.bits) == value.integer;
-    return (known.bits & 0xffffffffu) == value.bytes.size() &&
-           (value.bytes.empty() ||
-            std::memcmp(text_.data() + (known.bits >> 32), value.bytes.data(), value.bytes.size()) == 0);
+    return HaveSameBytes({text_.data() + (known.bits >> 32), known.bits & 0xffffffffu}, value.bytes);
   }
   Code SearchCode(const ValueView& value);
   void AddPlain(const ValueView& value);

@@ -154,17 +154,6 @@ bool HeldRowsBuilder::IsWanted(const ValueView& value) {
   return is_wanted_[code];
 }
 
-void HeldRowsBuilder::Add(std::span<const ValueView> values) {
-  if (restricted_ >= 0 && !IsWanted(values[static_cast<std::size_t>(restricted_)])) return;
-  if (without_value_ != nullptr) FailNull(*without_value_);
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i].kind == ValueView::Kind::kNull && given_[i].of_table->not_null)
-      FailNull(*given_[i].of_table);
-    given_[i].column->Add(values[i]);
-  }
-  ++rows_->row_count_;
-}
-
 void HeldRowsBuilder::FailNull(const HeldTable::Column& column) const {
   throw DatabaseError(
       "column " + table_.Name() + "." + column.name + " takes no NULL, and a row to be held has one", "");

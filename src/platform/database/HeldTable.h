@@ -104,9 +104,20 @@ class HeldRowsBuilder {
   /// texts are kept.
   void Restrict(std::size_t given, std::vector<std::string> texts);
 
-  /// Adds a row of as many values as there are given columns, as the database would store them there. Throws
-  /// DatabaseError for a NULL where the column takes none, also where it is the default.
-  void Add(std::span<const ValueView> values);
+  /// Adds a row: `value_of` tells the value of a given column, by its number among them, as the database
+  /// would store it there. Throws DatabaseError for a NULL where the column takes none, also where it is the
+  /// default.
+  template <typename ValueOf>
+  void Add(const ValueOf& value_of) {
+    if (restricted_ >= 0 && !IsWanted(value_of(static_cast<std::size_t>(restricted_)))) return;
+    if (without_value_ != nullptr) FailNull(*without_value_);
+    for (std::size_t i = 0; i < given_.size(); ++i) {
+      const ValueView value = value_of(i);
+      if (value.kind == ValueView::Kind::kNull && given_[i].of_table->not_null) FailNull(*given_[i].of_table);
+      given_[i].column->Add(value);
+    }
+    ++rows_->row_count_;
+  }
 
   std::size_t Bytes() const;
   std::shared_ptr<const HeldRows> Finish();

@@ -218,12 +218,11 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
   std::vector<Affinity> affinities;
   for (const int place : given)
     affinities.push_back(table.Columns()[static_cast<std::size_t>(place)].affinity);
-  std::vector<ValueView> values(given.size());
+  const auto value_of = [&](std::size_t i) {
+    return ValueFor(sqlite3_column_value(select, static_cast<int>(i)), affinities[i]);
+  };
   for (int count = 1; connection_.Step(select, rows.select); ++count) {
-    for (std::size_t i = 0; i < given.size(); ++i) {
-      values[i] = ValueFor(sqlite3_column_value(select, static_cast<int>(i)), affinities[i]);
-    }
-    builder.Add(values);
+    builder.Add(value_of);
     if (count % kRowsBetweenChecks == 0) check_size();
   }
   check_size();

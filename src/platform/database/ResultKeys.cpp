@@ -1,32 +1,10 @@
 #include "platform/database/ResultKeys.h"
 
 #include <charconv>
-#include <cstring>
 #include <optional>
 
 namespace excelexp {
 namespace {
-
-std::uint64_t LoadWord(const char* bytes) {
-  std::uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-// Up to seven bytes; some may count twice.
-std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
-  if (count == 0) return 0;
-  if (count < 4) {
-    const auto byte = [bytes](std::size_t at) {
-      return std::uint64_t{static_cast<unsigned char>(bytes[at])};
-    };
-    return byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16;
-  }
-  std::uint32_t halves[2];
-  std::memcpy(&halves[0], bytes, 4);
-  std::memcpy(&halves[1], bytes + count - 4, 4);
-  return halves[0] | std::uint64_t{halves[1]} << 32;
-}
 
 // The number that is written like this in decimal, no sign and no zero too many.
 std::optional<std::int64_t> PlainNumber(std::string_view text) {
@@ -37,15 +15,6 @@ std::optional<std::int64_t> PlainNumber(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   const bool whole = error == std::errc{} && end == text.data() + text.size();
   return whole ? std::optional(number) : std::nullopt;
-}
-
-// Keys are short; calling memcmp costs more than comparing them.
-bool SameBytes(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  if (a.size() > 16) return std::memcmp(a.data(), b.data(), a.size()) == 0;
-  if (a.size() < 8) return LoadBytes(a.data(), a.size()) == LoadBytes(b.data(), b.size());
-  const std::size_t last = a.size() - 8;
-  return LoadWord(a.data()) == LoadWord(b.data()) && LoadWord(a.data() + last) == LoadWord(b.data() + last);
 }
 
 std::size_t HashOfNumber(std::int64_t number) {
@@ -70,7 +39,7 @@ bool IsKey(const ValueView& value, const KeyView& key) {
                                                    : HaveSameText(value, ValueView::Integer(*number));
   }
   TextBuffer buffer;
-  return SameBytes(ShownText(value, buffer), *std::get_if<std::string_view>(&key));
+  return HaveSameBytes(ShownText(value, buffer), *std::get_if<std::string_view>(&key));
 }
 
 bool HaveSameText(const ValueView& a, const ValueView& b) {

@@ -182,17 +182,17 @@ ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
   if (has_more_rows_) return Rest(Missing::kRows).SearchBy(columns);
   Index index;
   index.columns.assign(columns.begin(), columns.end());
-  index.places.reserve(columns.size());
-  for (const int column : columns) {
-    static_cast<void>(ColumnName(column));  // throws for an unknown one
-    const int place = places_ == nullptr ? column : (*places_)[static_cast<std::size_t>(column)];
-    if (place < 0) return Rest(Missing::kColumns).SearchBy(columns);
-    index.places.push_back(static_cast<std::size_t>(place));
-  }
-  for (std::size_t i = 0; i < index.places.size() && row_count_ > 1; ++i) {
-    if (!Varies(index.places[i])) continue;
-    index.varying.push_back(i);
-    index.varying_places.push_back(index.places[i]);
+  for (std::size_t key = 0; key < columns.size(); ++key) {
+    static_cast<void>(ColumnName(columns[key]));  // throws for an unknown one
+    const int column = places_ == nullptr ? columns[key] : (*places_)[static_cast<std::size_t>(columns[key])];
+    if (column < 0) return Rest(Missing::kColumns).SearchBy(columns);
+    const auto place = static_cast<std::size_t>(column);
+    if (row_count_ > 0 && !Varies(place)) {
+      index.alike.emplace_back(ValueAt(0, place), key);
+    } else {
+      index.places.push_back(place);
+      index.keys.push_back(key);
+    }
   }
   bytes_ += sizeof(Index);
   return {*this, *indexes_.emplace_back(std::make_unique<Index>(std::move(index)))};
@@ -205,33 +205,33 @@ ResultSet::Index* ResultSet::KnownIndex(std::span<const int> columns) const {
 }
 
 int ResultSet::FindBy(Index& index, std::span<const KeyView> keys) const {
+  for (const auto& [value, key] : index.alike)
+    if (!IsKey(value, keys[key])) return -1;
   if (index.slots.empty()) {
     if (++index.searches > kSearchesByRow) columns_->NoteSearchedOften();
     if (!columns_->AreSearchedOften()) return FindByRow(index, keys);
     EnterRows(index);
   }
   std::size_t hash = 0;
-  for (const std::size_t i : index.varying) hash = MixKeys(hash, HashOfKey(keys[i]));
+  for (const std::size_t key : index.keys) hash = MixKeys(hash, HashOfKey(keys[key]));
   const std::size_t mask = index.slots.size() - 1;
   for (std::size_t at = hash & mask; index.slots[at].row != 0; at = (at + 1) & mask) {
     const Index::Slot& slot = index.slots[at];
-    if (slot.hash == static_cast<std::uint32_t>(hash) && Equals(slot.row - 1, index, keys))
+    if (slot.hash == static_cast<std::uint32_t>(hash) && HasKeys(slot.row - 1, index, keys))
       return static_cast<int>(slot.row - 1);
   }
   return -1;
 }
 
 int ResultSet::FindByRow(const Index& index, std::span<const KeyView> keys) const {
-  for (std::size_t row = 0; row < row_count_; ++row) {
-    const auto is_key = [&](std::size_t i) { return IsKey(ValueAt(row, index.places[i]), keys[i]); };
-    if (std::ranges::all_of(index.varying, is_key) && Equals(row, index, keys)) return static_cast<int>(row);
-  }
+  for (std::size_t row = 0; row < row_count_; ++row)
+    if (HasKeys(row, index, keys)) return static_cast<int>(row);
   return -1;
 }
 
-bool ResultSet::Equals(std::size_t row, const Index& index, std::span<const KeyView> keys) const {
-  for (std::size_t i = 0; i < keys.size(); ++i)
-    if (!IsKey(ValueAt(row, index.places[i]), keys[i])) return false;
+bool ResultSet::HasKeys(std::size_t row, const Index& index, std::span<const KeyView> keys) const {
+  for (std::size_t i = 0; i < index.places.size(); ++i)
+    if (!IsKey(ValueAt(row, index.places[i]), keys[index.keys[i]])) return false;
   return true;
 }
 
@@ -253,16 +253,16 @@ bool ResultSet::Varies(std::size_t column) const {
 // Of rows with equal keys only the first is entered: it is the one that counts.
 void ResultSet::EnterRows(Index& index) const {
   // Where no column tells rows apart, the first is all that counts.
-  const std::size_t rows = index.varying.empty() ? std::min<std::size_t>(row_count_, 1) : row_count_;
+  const std::size_t rows = index.places.empty() ? std::min<std::size_t>(row_count_, 1) : row_count_;
   index.slots.resize(std::bit_ceil(rows * 2 + 1));
   bytes_ += index.slots.size() * sizeof(Index::Slot);
   std::vector<std::size_t> hashes(rows);
-  for (const std::size_t column : index.varying_places) MixColumn(column, hashes);
+  for (const std::size_t column : index.places) MixColumn(column, hashes);
   const std::size_t mask = index.slots.size() - 1;
   for (std::size_t row = 0; row < rows; ++row) {
     const auto low = static_cast<std::uint32_t>(hashes[row]);
     const auto is_known = [&](const Index::Slot& slot) {
-      return slot.hash == low && HaveSameKeys(row, slot.row - 1, index.varying_places);
+      return slot.hash == low && HaveSameKeys(row, slot.row - 1, index.places);
     };
     std::size_t at = hashes[row] & mask;
     while (index.slots[at].row != 0 && !is_known(index.slots[at])) at = (at + 1) & mask;

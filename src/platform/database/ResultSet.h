@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/database/ResultKeys.h"
@@ -155,11 +156,11 @@ class ResultSet {
       std::uint32_t row;  // counted from 1; 0: nobody stands here
     };
     std::vector<int> columns;
-    std::vector<std::size_t> places;          // of the columns among those that are here
-    std::vector<std::size_t> varying;         // which of the columns tell rows apart
-    std::vector<std::size_t> varying_places;  // and their places
-    std::vector<Slot> slots;                  // a power of two of them, or none before they pay
-    int searches = 0;                         // through all rows
+    std::vector<std::size_t> places;                       // of those that tell rows apart
+    std::vector<std::size_t> keys;                         // and which of a search's keys they have
+    std::vector<std::pair<ValueView, std::size_t>> alike;  // the one value of each of the others, and its key
+    std::vector<Slot> slots;                               // a power of two of them, or none before they pay
+    int searches = 0;                                      // through all rows
   };
   static constexpr std::size_t kBlockShift = 10;
   static constexpr std::size_t kBlockRows = std::size_t{1} << kBlockShift;
@@ -194,7 +195,7 @@ class ResultSet {
   Index* KnownIndex(std::span<const int> columns) const;
   bool Varies(std::size_t column) const;
   void EnterRows(Index& index) const;
-  bool Equals(std::size_t row, const Index& index, std::span<const KeyView> keys) const;
+  bool HasKeys(std::size_t row, const Index& index, std::span<const KeyView> keys) const;
   void MixColumn(std::size_t column, std::span<std::size_t> hashes) const;
   bool HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const;
 

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace excelexp {
@@ -32,6 +34,37 @@ inline bool IsBytes(ValueView::Kind kind) {
 
 /// The order in which an index holds values: NULL, numbers by size, texts and blobs by their bytes.
 bool ComesBefore(const ValueView& a, const ValueView& b);
+
+/// Eight bytes as a number.
+inline std::uint64_t LoadWord(const char* bytes) {
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// Up to seven bytes as a number; some may count twice.
+inline std::uint64_t LoadBytes(const char* bytes, std::size_t count) {
+  if (count == 0) return 0;
+  if (count < 4) {
+    const auto byte = [bytes](std::size_t at) {
+      return std::uint64_t{static_cast<unsigned char>(bytes[at])};
+    };
+    return byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16;
+  }
+  std::uint32_t halves[2];
+  std::memcpy(&halves[0], bytes, 4);
+  std::memcpy(&halves[1], bytes + count - 4, 4);
+  return halves[0] | std::uint64_t{halves[1]} << 32;
+}
+
+/// Keys and codes are short; calling memcmp costs more than comparing them.
+inline bool HaveSameBytes(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  if (a.size() > 16) return std::memcmp(a.data(), b.data(), a.size()) == 0;
+  if (a.size() < 8) return LoadBytes(a.data(), a.size()) == LoadBytes(b.data(), b.size());
+  const std::size_t last = a.size() - 8;
+  return LoadWord(a.data()) == LoadWord(b.data()) && LoadWord(a.data() + last) == LoadWord(b.data() + last);
+}
 
 /// Room for a number as text.
 using TextBuffer = std::array<char, 40>;
