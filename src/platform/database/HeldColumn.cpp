@@ -17,6 +17,16 @@ namespace {
 constexpr std::size_t kManyNumbers = 1000;
 constexpr std::size_t kRowsPerNumber = 8;
 
+template <typename Code>
+std::vector<std::uint8_t> Reordered(const std::vector<std::uint8_t>& codes,
+                                    const std::vector<std::uint32_t>& order) {
+  std::vector<std::uint8_t> reordered(codes.size());
+  for (std::size_t row = 0; row < order.size(); ++row)
+    std::memcpy(reordered.data() + row * sizeof(Code), codes.data() + order[row] * sizeof(Code),
+                sizeof(Code));
+  return reordered;
+}
+
 std::size_t HashOf(const ValueView& value) {
   constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
   const std::uint64_t hash = value.bytes.empty() ? static_cast<std::uint64_t>(value.integer)
@@ -146,11 +156,12 @@ void HeldColumn::Reorder(const std::vector<std::uint32_t>& order) {
     }
     plain_bits_ = std::move(bits);
     plain_kinds_ = std::move(kinds);
+  } else if (width_ == 1) {
+    codes_ = Reordered<std::uint8_t>(codes_, order);
+  } else if (width_ == 2) {
+    codes_ = Reordered<std::uint16_t>(codes_, order);
   } else if (width_ > 0) {
-    HeldColumn old(numbers_);
-    old.width_ = width_;
-    old.codes_ = std::exchange(codes_, std::vector<std::uint8_t>(codes_.size()));
-    for (std::size_t row = 0; row < rows_; ++row) StoreCode(row, old.CodeAt(order[row]));
+    codes_ = Reordered<Code>(codes_, order);
   }
 }
 

@@ -10,6 +10,7 @@
 #include "platform/database/DatabaseError.h"
 #include "platform/database/HeldTableModule.h"
 #include "platform/database/Names.h"
+#include "platform/database/SqlShape.h"
 #include "platform/database/SqlText.h"
 #include "platform/database/SqlTokens.h"
 #include "platform/database/SqliteConnection.h"
@@ -76,7 +77,8 @@ int TextPlace(const std::vector<HeldTable::Column>& columns, const std::string& 
 
 }  // namespace
 
-HeldTables::HeldTables(const SqliteConnection& connection) : connection_(connection) {
+HeldTables::HeldTables(const SqliteConnection& connection, SqliteGuard& guard)
+    : connection_(connection), intake_(connection, guard) {
   RegisterHeldTableModule(connection, *this);
 }
 
@@ -196,7 +198,7 @@ std::vector<int> HeldTables::GivenColumns(const HeldTable& table, sqlite3_stmt* 
 
 std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const RowsToHold& rows,
                                                  sqlite3_stmt* select, std::vector<std::string> texts,
-                                                 std::size_t max_bytes) const {
+                                                 std::size_t max_bytes) {
   constexpr int kRowsBetweenChecks = 256;
   const std::vector<int> given = GivenColumns(table, select);
   HeldRowsBuilder builder(table, table.KeyOf(rows.key), given);
@@ -218,13 +220,11 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
   std::vector<Affinity> affinities;
   for (const int place : given)
     affinities.push_back(table.Columns()[static_cast<std::size_t>(place)].affinity);
-  const auto value_of = [&](std::size_t i) {
-    return ValueFor(sqlite3_column_value(select, static_cast<int>(i)), affinities[i]);
-  };
-  for (int count = 1; connection_.Step(select, rows.select); ++count) {
-    builder.Add(value_of);
-    if (count % kRowsBetweenChecks == 0) check_size();
-  }
+  int count = 0;
+  intake_.Read(select, SqlShape(rows.select).IsPlain(), rows.select, [&](const RowValues& row) {
+    builder.Add([&](std::size_t i) { return ValueFor(row[i], affinities[i]); });
+    if (++count % kRowsBetweenChecks == 0) check_size();
+  });
   check_size();
   return builder.Finish();
 }

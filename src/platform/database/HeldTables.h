@@ -9,6 +9,7 @@
 
 #include "platform/database/Database.h"
 #include "platform/database/HeldTable.h"
+#include "platform/database/RowIntake.h"
 
 struct sqlite3_stmt;
 
@@ -23,8 +24,8 @@ class SqliteConnection;
 /// on these columns finds its rows by them.
 class HeldTables {
  public:
-  /// The connection outlives the object; statements over its tables do not outlive it.
-  explicit HeldTables(const SqliteConnection& connection);
+  /// Both outlive the object; statements over its tables do not outlive it.
+  HeldTables(const SqliteConnection& connection, SqliteGuard& guard);
   HeldTables(const HeldTables&) = delete;
   HeldTables& operator=(const HeldTables&) = delete;
 
@@ -44,7 +45,7 @@ class HeldTables {
   /// that is given twice, or belongs to the key, for one without the column of RowsToHold::only, and beyond
   /// `max_bytes`.
   std::shared_ptr<const HeldRows> Read(const HeldTable& table, const RowsToHold& rows, sqlite3_stmt* select,
-                                       std::vector<std::string> texts, std::size_t max_bytes) const;
+                                       std::vector<std::string> texts, std::size_t max_bytes);
 
  private:
   std::vector<HeldTable::Column> StoredColumns(const std::string& name) const;
@@ -53,6 +54,7 @@ class HeldTables {
   static std::vector<int> GivenColumns(const HeldTable& table, sqlite3_stmt* select);
 
   const SqliteConnection& connection_;
+  RowIntake intake_;
   std::map<std::string, std::unique_ptr<HeldTable>, std::less<>> by_name_;  // folded
 };
 

@@ -180,7 +180,7 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
                   {options_.cancelled, options_.now}),
       guard_(connection_),
       catalogue_(connection_),
-      held_(connection_),
+      held_(connection_, guard_),
       find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
       statements_(connection_, guard_,
                   [this](const std::string& sql, const std::string& sent) { return Compile(sql, sent); }),

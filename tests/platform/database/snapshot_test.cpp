@@ -207,7 +207,7 @@ TEST(ResultCache, CountsTheIndexesBuiltAfterwards) {
     for (int row = 0; row < 1000; ++row) {
       builder.BeginRow();
       builder.AddInteger(row);
-      builder.AddNull();
+      builder.AddInteger(1);
     }
     return builder.Finish();
   };
