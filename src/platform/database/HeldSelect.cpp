@@ -198,19 +198,27 @@ class HeldSelect::BatchRows final : public ResultRows {
   bool Varies(std::size_t column) const override {
     const HeldColumn& codes = *batch_->columns[column].codes;
     if (!codes.HasCodes()) return true;
-    const auto code_at = [&codes](std::uint32_t place) { return codes.CodeAt(place); };
-    return std::ranges::adjacent_find(places_, std::ranges::not_equal_to(), code_at) != places_.end();
+    bool varies = false;
+    codes.WithCodes([&](const auto& code_at) {
+      varies = std::ranges::adjacent_find(places_, std::ranges::not_equal_to(), code_at) != places_.end();
+    });
+    return varies;
   }
   void MixColumn(std::size_t column, std::span<std::size_t> hashes) const override {
     Batch::Column& source = batch_->columns[column];
-    const HeldColumn& codes = *source.codes;
-    if (codes.HasCodes()) source.hashes.resize(codes.CodeCount());
-    for (std::size_t row = 0; row < hashes.size(); ++row) {
-      std::size_t unknown = 0;
-      std::size_t& hash = codes.HasCodes() ? source.hashes[codes.CodeAt(places_[row])] : unknown;
-      if (hash == 0) hash = HashOfKey(At(row, column));
-      hashes[row] = MixKeys(hashes[row], hash);
+    if (!source.codes->HasCodes()) {
+      for (std::size_t row = 0; row < hashes.size(); ++row)
+        hashes[row] = MixKeys(hashes[row], HashOfKey(At(row, column)));
+      return;
     }
+    source.hashes.resize(source.codes->CodeCount());
+    source.codes->WithCodes([&](const auto& code_at) {
+      for (std::size_t row = 0; row < hashes.size(); ++row) {
+        std::size_t& hash = source.hashes[code_at(places_[row])];
+        if (hash == 0) hash = HashOfKey(At(row, column));
+        hashes[row] = MixKeys(hashes[row], hash);
+      }
+    });
   }
   bool HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const override {
     return std::ranges::all_of(columns, [&](std::size_t column) {
