@@ -8,7 +8,6 @@
 namespace excelexp {
 namespace {
 
-constexpr int kLastNamedRow = 65536;
 constexpr int kLetters = 26;
 
 /// Takes "B7" with optional `$` from the front of `text`.
@@ -50,7 +49,7 @@ std::string ColumnLetters(int column) {
 }
 
 std::string GetCellName(int row, int column) {
-  if (row < 1 || row > kLastNamedRow || column < 1 || column > kLastNamedColumn) return {};
+  if (row < 1 || row > Workbook::kMaxRows || column < 1 || column > kLastNamedColumn) return {};
   char buffer[16];
   char* const middle = buffer + 4;
   const char* const begin = PutLetters(middle, column);

@@ -20,8 +20,8 @@ struct CellRange {
 /// hold.
 inline constexpr int kLastNamedColumn = 256;
 
-/// The spreadsheet's name of a cell, "A1" to "IV65536" and below; "" for a row or column below 1 and beyond
-/// column 256.
+/// The spreadsheet's name of a cell, "A1" to "IV1048576", the last row of an .xlsx file: whether a file can
+/// hold the row its writer checks. "" for a row or column below 1 or beyond these.
 std::string GetCellName(int row, int column);
 
 /// The letters of a column, "A" for 1; for any column from 1 to 16,384.

@@ -9,9 +9,10 @@ TEST(CellName, EndsWithTheLastColumnAndRow) {
   const struct {
     int row, column;
     const char* name;
-  } cases[] = {
-      {1, 1, "A1"}, {9, 26, "Z9"},  {10, 27, "AA10"}, {1, 52, "AZ1"}, {1, 53, "BA1"}, {65536, 256, "IV65536"},
-      {1, 257, ""}, {65537, 1, ""}, {0, 1, ""},       {1, 0, ""},     {-1, 5, ""}};
+  } cases[] = {{1, 1, "A1"},   {9, 26, "Z9"},    {10, 27, "AA10"},
+               {1, 52, "AZ1"}, {1, 53, "BA1"},   {1048576, 256, "IV1048576"},
+               {1, 257, ""},   {1048577, 1, ""}, {0, 1, ""},
+               {1, 0, ""},     {-1, 5, ""}};
   for (const auto& c : cases) EXPECT_EQ(GetCellName(c.row, c.column), c.name) << c.row << "," << c.column;
   EXPECT_EQ(ColumnLetters(702), "ZZ");
   EXPECT_EQ(ColumnLetters(703), "AAA");
