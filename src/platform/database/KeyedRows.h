@@ -23,8 +23,8 @@ struct KeptStatement;
 class KeyedRows {
  public:
   /// How many keys the statement could be sent for, or more. nullopt when it is not sent for a key.
-  static std::optional<std::int64_t> CountKeys(const KeptStatement& kept, const SqliteConnection& connection,
-                                               const FindTable& find_table);
+  static std::optional<std::size_t> CountKeys(const KeptStatement& kept, const SqliteConnection& connection,
+                                              const FindTable& find_table);
   /// The statement for all keys: the key in front, then the columns that are read of the one for a single
   /// key. `single` is that statement, or the same without DISTINCT. nullptr when the database would find rows
   /// in another way, and so maybe in another order.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +28,24 @@ struct KeyedSql {
   /// With `first_only`, ?1 is the key and other parameters stay. nullopt when a key is more than compared
   /// with a column of a table, or there is none.
   static std::optional<KeyedSql> Of(std::string_view sql, bool first_only, const FindTable& find_table);
+};
+
+/// When a statement that is sent for one key after the other is to be read for all keys: once it was sent
+/// often, and for one key in so many.
+class KeyDemand {
+ public:
+  /// How many keys there are, or more; nullopt when the statement is not one for a key.
+  using CountKeys = std::function<std::optional<std::size_t>()>;
+  /// Notes that one more key is asked for. True once, when all are to be read. An error of `count` is its
+  /// caller's; then, and after nullopt, they never are.
+  bool IsDue(const CountKeys& count);
+  /// How many keys were counted, at least 1.
+  std::size_t Keys() const { return keys_; }
+
+ private:
+  std::size_t asked_ = 0;
+  std::size_t keys_ = 0;  // 0: not counted yet
+  bool is_settled_ = false;
 };
 
 /// Whether the database finds the rows of each key in the way of the statement for a single key, and so in

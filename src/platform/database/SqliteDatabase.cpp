@@ -33,10 +33,6 @@ namespace {
 constexpr std::size_t kFirstRows = 256;
 constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
-// A statement is sent so often before its keys are counted, and for one key in so many before it is read for
-// all of them: should the others never be asked for, reading them took a few times as long as what was asked.
-constexpr std::size_t kSingleReads = 32;
-constexpr std::size_t kKeysForARead = 16;
 constexpr std::size_t kMaxKeyedBytes = 32u << 20;
 constexpr std::string_view kDefaultDateFormat = "dd/mm/yyyy";
 
@@ -115,7 +111,6 @@ class SqliteDatabase final : public Database {
   std::shared_ptr<const ResultSet> ReadKeyed(KeptStatement& kept, const std::string& sql,
                                              const Reading& reading);
   bool ReadAllKeys(KeptStatement& kept);
-  SqliteStatement CompileForAllKeys(const KeptStatement& kept, sqlite3_stmt* single);
   void ReadRowsOfAllKeys(KeptStatement& kept);
   std::shared_ptr<const ResultSet> ReadHeld(KeptStatement& kept, const std::string& sql);
   HeldSelect* HeldSelectOf(KeptStatement& kept);
@@ -320,34 +315,27 @@ bool SqliteDatabase::ReadAllKeys(KeptStatement& kept) {
     if (keyed.places == kept.narrow.places) return true;
     keyed = {};  // more columns are asked for now
   }
-  if (keyed.refused || ++keyed.asked < kSingleReads) return false;
+  const auto count_keys = [&] {
+    const SqliteGuard::Pass pass(guard_);
+    return KeyedRows::CountKeys(kept, connection_, find_table_);
+  };
   try {
-    if (keyed.keys == 0) {
-      const SqliteGuard::Pass pass(guard_);
-      const std::optional<std::int64_t> keys = KeyedRows::CountKeys(kept, connection_, find_table_);
-      keyed.refused = !keys.has_value();
-      keyed.keys = static_cast<std::size_t>(std::max<std::int64_t>(1, keys.value_or(1)));
-    }
-    if (keyed.refused || keyed.asked * kKeysForARead < keyed.keys) return false;
-    keyed.refused = true;
-    ReadRowsOfAllKeys(kept);
+    if (keyed.demand.IsDue(count_keys)) ReadRowsOfAllKeys(kept);
   } catch (const DatabaseError&) {
-    keyed.refused = true;
+    return false;
   }
   return keyed.rows != nullptr;
-}
-
-SqliteStatement SqliteDatabase::CompileForAllKeys(const KeptStatement& kept, sqlite3_stmt* single) {
-  const SqliteGuard::Pass pass(guard_);
-  return KeyedRows::Compile(kept, single, connection_, find_table_);
 }
 
 void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
   const std::uint64_t writes_noted = writes_noted_;
   const std::string& undistinct = kept.shape.WithoutDistinct();
   const CompiledQuery single = undistinct.empty() ? CompiledQuery{} : Compile(undistinct, undistinct);
-  const SqliteStatement all =
-      CompileForAllKeys(kept, undistinct.empty() ? kept.whole.statement.get() : single.statement.get());
+  const SqliteStatement all = [&] {
+    const SqliteGuard::Pass pass(guard_);
+    return KeyedRows::Compile(kept, (undistinct.empty() ? kept.whole : single).statement.get(), connection_,
+                              find_table_);
+  }();
   if (all == nullptr) return;
   connection_.BeginStatement();
   functions_.SetMetVolatile(false);
@@ -358,7 +346,7 @@ void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
   if (connection_.TookMoment() || functions_.MetVolatile() || writes_noted != writes_noted_) return;
   auto all_rows = std::make_shared<const KeyedRows>(rows.Finish());
   // What counts or sums has one row for all keys.
-  if (all_rows->KeyCount() < std::min<std::size_t>(2, kept.keyed.keys)) return;
+  if (all_rows->KeyCount() < std::min<std::size_t>(2, kept.keyed.demand.Keys())) return;
   kept.keyed.rows = std::move(all_rows);
   kept.keyed.places = kept.narrow.places;
 }

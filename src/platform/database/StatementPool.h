@@ -9,6 +9,7 @@
 
 #include "platform/database/HeldSelect.h"
 #include "platform/database/KeyedRows.h"
+#include "platform/database/KeyedSql.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/SqlShape.h"
 #include "platform/database/StoredFunctions.h"
@@ -24,9 +25,7 @@ struct NarrowStatement {
 
 /// What is known of a statement that is sent for one key after the other, since the data changed last.
 struct KeyedStatement {
-  std::size_t asked = 0;
-  std::size_t keys = 0;  ///< how many there are, once they were counted
-  bool refused = false;  ///< its rows are not to be read for all keys, or not again
+  KeyDemand demand = {};
   std::shared_ptr<const KeyedRows> rows = {};
   /// Of the narrow statement that the rows are of; null: of the whole one.
   std::shared_ptr<const std::vector<int>> places = {};

@@ -20,11 +20,7 @@ constexpr std::size_t kValuesOnTrial = 16'000;    // of a function, before its h
 constexpr std::size_t kValueOverhead = 160;       // map node and value object
 constexpr std::size_t kMaxBatchBytes = 8u << 20;  // of a connection
 constexpr std::size_t kMaxBatches = 32;           // of a function
-constexpr std::size_t kSingleCalls = 32;          // before its keys are counted
-// A call of its own costs about twice what a key among all does: should the others never be asked for,
-// reading them took some eight times as long as the calls before.
-constexpr std::size_t kKeysForACall = 16;
-constexpr int kMaxDepth = 32;  // functions that call functions
+constexpr int kMaxDepth = 32;                     // functions that call functions
 constexpr int kMaxArguments = 100;
 
 constexpr char kDefinitionsSql[] =
@@ -157,8 +153,8 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
   }
   if (depth_ >= kMaxDepth)
     throw DatabaseError("functions call each other too deeply", function.definition.sql);
-  if (batch != nullptr && !batch->refused && ++batch->asked >= kSingleCalls) {
-    ReadBatch(function, *batch, {arguments, static_cast<std::size_t>(count)});
+  if (batch != nullptr) {
+    ReadBatchIfDue(function, *batch, {arguments, static_cast<std::size_t>(count)});
     if (const OwnedSqliteValue* const known = of_batch()) return Answer(context, known->get());
   }
   ++depth_;
@@ -185,32 +181,29 @@ StoredFunctions::Batch* StoredFunctions::BatchFor(Function& function, int count,
 }
 
 /// Reads the values of all keys if that pays. What goes wrong with a key is told when its value is asked for.
-void StoredFunctions::ReadBatch(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments) {
+void StoredFunctions::ReadBatchIfDue(Function& function, Batch& batch,
+                                     std::span<sqlite3_value* const> arguments) {
   const bool met_volatile = std::exchange(met_volatile_, false);
   ++depth_;
   try {
-    if (batch.keys == 0) CountKeys(function, batch);
-    if (!batch.refused && batch.asked * kKeysForACall >= batch.keys) {
-      batch.refused = true;
+    if (batch.demand.IsDue([&] { return CountKeys(function); })) {
       ReadValues(function, batch, arguments);
       if (met_volatile_) batch.values = {};
       batch_bytes_ += batch.values.Bytes();
     }
   } catch (const DatabaseError&) {
-    batch.refused = true;
     batch.values = {};
   }
   --depth_;
   met_volatile_ = met_volatile;
 }
 
-void StoredFunctions::CountKeys(Function& function, Batch& batch) {
+std::optional<std::size_t> StoredFunctions::CountKeys(const Function& function) const {
   const std::optional<KeyedSql> keyed = KeyedSql::Of(function.definition.sql, true, find_table_);
-  batch.refused = !keyed;
-  if (batch.refused) return;
+  if (!keyed) return std::nullopt;
   const CompiledQuery count = compile_(keyed->count);
   connection_.Step(count.statement.get(), keyed->count);
-  batch.keys = std::max<std::size_t>(1, sqlite3_column_int64(count.statement.get(), 0));
+  return static_cast<std::size_t>(sqlite3_column_int64(count.statement.get(), 0));
 }
 
 void StoredFunctions::ReadValues(Function& function, Batch& batch,
@@ -220,7 +213,7 @@ void StoredFunctions::ReadValues(Function& function, Batch& batch,
     const CompiledQuery walk = compile_(keyed.walk);
     batch.values = ReadValues(walk, keyed.walk, arguments);
     // An aggregate has one row for all keys, and a key that has two rows may have another one first.
-    if (batch.values.Finish() && batch.values.Size() == batch.keys) return;
+    if (batch.values.Finish() && batch.values.Size() == batch.demand.Keys()) return;
   }
   const std::string sql =
       "SELECT " + std::string(KeyedSql::kKeys) + ", (" + keyed.text + "\n) FROM " + keyed.keys;

@@ -64,9 +64,7 @@ class StoredFunctions {
   /// The values for all keys, the arguments behind the key being the same.
   struct Batch {
     std::string others;  ///< those arguments
-    std::size_t asked = 0;
-    std::size_t keys = 0;  ///< how many there are, once that was asked
-    bool refused = false;  ///< not to be read, or not again
+    KeyDemand demand = {};
     KeyedValues values = {};
   };
   struct Function {
@@ -87,8 +85,8 @@ class StoredFunctions {
                 std::optional<std::string> key);
   /// nullptr for a call without an integer as its key.
   Batch* BatchFor(Function& function, int count, sqlite3_value** arguments);
-  void ReadBatch(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
-  void CountKeys(Function& function, Batch& batch);
+  void ReadBatchIfDue(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
+  std::optional<std::size_t> CountKeys(const Function& function) const;
   void ReadValues(Function& function, Batch& batch, std::span<sqlite3_value* const> arguments);
   KeyedValues ReadValues(const CompiledQuery& query, const std::string& sql,
                          std::span<sqlite3_value* const> arguments);
