@@ -28,16 +28,15 @@ void AppendKeyOf(sqlite3_value* value, std::string& key) {
     return;
   }
   const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-  const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
-  key.append(1, static_cast<char>('0' + type)).append(std::to_string(size)).append(1, ':');
-  if (bytes != nullptr) key.append(bytes, size);
+  const int size = sqlite3_value_bytes(value);
+  key.append(1, static_cast<char>('0' + type)).append(reinterpret_cast<const char*>(&size), sizeof size);
+  if (bytes != nullptr) key.append(bytes, static_cast<std::size_t>(size));
 }
 
 void KeyedValues::Add(std::int64_t key, sqlite3_value* value) {
-  std::string content;
-  AppendKeyOf(value, content);
-  const auto [entry, is_new] =
-      added_.try_emplace(std::move(content), static_cast<std::uint32_t>(values_.size()));
+  content_.clear();
+  AppendKeyOf(value, content_);
+  const auto [entry, is_new] = added_.try_emplace(content_, static_cast<std::uint32_t>(values_.size()));
   if (is_new) {
     values_.emplace_back(sqlite3_value_type(value) == SQLITE_NULL ? nullptr : sqlite3_value_dup(value));
     bytes_ += 2 * entry->first.size() + kValueOverhead;

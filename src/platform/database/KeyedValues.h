@@ -38,6 +38,7 @@ class KeyedValues {
   std::vector<std::pair<std::int64_t, std::uint32_t>> codes_;  // of the keys, ascending once finished
   std::vector<OwnedSqliteValue> values_;
   std::unordered_map<std::string, std::uint32_t> added_;
+  std::string content_;  // of the value that is added
   std::size_t bytes_ = 0;
   bool finished_ = false;
 };

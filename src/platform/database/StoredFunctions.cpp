@@ -31,10 +31,17 @@ void Answer(sqlite3_context* context, sqlite3_value* value) {
   if (value != nullptr) sqlite3_result_value(context, value);
 }
 
-std::string KeyOf(std::span<sqlite3_value* const> arguments) {
-  std::string key;
+/// The same of a value that outlives the statement that calls: its text need not be copied.
+void AnswerKept(sqlite3_context* context, sqlite3_value* value) {
+  if (value == nullptr || sqlite3_value_type(value) != SQLITE_TEXT) return Answer(context, value);
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  sqlite3_result_text64(context, text, static_cast<sqlite3_uint64>(sqlite3_value_bytes(value)), SQLITE_STATIC,
+                        SQLITE_UTF8);
+}
+
+void PutKeyOf(std::span<sqlite3_value* const> arguments, std::string& key) {
+  key.clear();
   for (sqlite3_value* argument : arguments) AppendKeyOf(argument, key);
-  return key;
 }
 
 }  // namespace
@@ -141,21 +148,22 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
   const auto of_batch = [&] {
     return batch == nullptr ? nullptr : batch->values.Find(sqlite3_value_int64(arguments[0]));
   };
-  if (const OwnedSqliteValue* const known = of_batch()) return Answer(context, known->get());
+  if (const OwnedSqliteValue* const known = of_batch()) return AnswerKept(context, known->get());
   const bool remembers = function.values.size() < kValuesOnTrial || function.hits >= function.values.size();
   std::optional<std::string> key;
   if (remembers) {
-    key = KeyOf({arguments, static_cast<std::size_t>(count)});
-    if (const auto known = function.values.find(*key); known != function.values.end()) {
+    PutKeyOf({arguments, static_cast<std::size_t>(count)}, key_);
+    if (const auto known = function.values.find(key_); known != function.values.end()) {
       ++function.hits;
       return Answer(context, known->second.get());
     }
+    key = key_;
   }
   if (depth_ >= kMaxDepth)
     throw DatabaseError("functions call each other too deeply", function.definition.sql);
   if (batch != nullptr) {
     ReadBatchIfDue(function, *batch, {arguments, static_cast<std::size_t>(count)});
-    if (const OwnedSqliteValue* const known = of_batch()) return Answer(context, known->get());
+    if (const OwnedSqliteValue* const known = of_batch()) return AnswerKept(context, known->get());
   }
   ++depth_;
   const bool outer_volatile = std::exchange(met_volatile_, false);
@@ -172,12 +180,11 @@ void StoredFunctions::Call(Function& function, sqlite3_context* context, int cou
 
 StoredFunctions::Batch* StoredFunctions::BatchFor(Function& function, int count, sqlite3_value** arguments) {
   if (count == 0 || sqlite3_value_type(arguments[0]) != SQLITE_INTEGER) return nullptr;
-  others_.clear();
-  for (int i = 1; i < count; ++i) AppendKeyOf(arguments[i], others_);
+  PutKeyOf({arguments + 1, static_cast<std::size_t>(count) - 1}, key_);
   for (Batch& batch : function.batches)
-    if (batch.others == others_) return &batch;
+    if (batch.others == key_) return &batch;
   if (function.batches.size() == kMaxBatches) return nullptr;
-  return &function.batches.emplace_back(Batch{.others = others_});
+  return &function.batches.emplace_back(Batch{.others = key_});
 }
 
 /// Reads the values of all keys if that pays. What goes wrong with a key is told when its value is asked for.

@@ -101,7 +101,7 @@ class StoredFunctions {
   std::vector<std::unique_ptr<Function>> functions_;
   std::size_t value_bytes_ = 0;
   std::size_t batch_bytes_ = 0;
-  std::string others_;  // of the call that is made
+  std::string key_;  // of arguments of the call that is made
   int depth_ = 0;
   bool met_volatile_ = false;
 };
