@@ -61,18 +61,21 @@ std::vector<PlanStep> PlanBeforeDistinct(const SqliteConnection& connection, con
 }  // namespace
 
 std::optional<std::size_t> KeyedRows::CountKeys(const KeptStatement& kept, const SqliteConnection& connection,
-                                                const FindTable& find_table) {
+                                                SqliteGuard& guard, const FindTable& find_table) {
   const bool fits = kept.shape.IsPlain() || !kept.shape.WithoutDistinct().empty();
   if (!fits || kept.whole.traits.is_unrepeatable) return std::nullopt;
   const auto keyed = KeyedSql::Of(sqlite3_sql(kept.whole.statement.get()), false, find_table);
   if (!keyed) return std::nullopt;
+  const SqliteGuard::Pass pass(guard);
   const SqliteStatement count = connection.Prepare(keyed->count, keyed->count);
   connection.Step(count.get(), keyed->count);
   return static_cast<std::size_t>(sqlite3_column_int64(count.get(), 0));
 }
 
 SqliteStatement KeyedRows::Compile(const KeptStatement& kept, sqlite3_stmt* single,
-                                   const SqliteConnection& connection, const FindTable& find_table) {
+                                   const SqliteConnection& connection, SqliteGuard& guard,
+                                   const FindTable& find_table) {
+  const SqliteGuard::Pass pass(guard);
   const std::string one = sqlite3_sql(single);
   const auto keyed = KeyedSql::Of(one, false, find_table);
   std::optional<std::string> all = keyed ? ForAllKeys(*keyed) : std::nullopt;

@@ -10,6 +10,7 @@
 
 #include "platform/database/ResultSet.h"
 #include "platform/database/SqliteConnection.h"
+#include "platform/database/SqliteGuard.h"
 #include "platform/database/TableShape.h"
 
 namespace excelexp {
@@ -24,12 +25,13 @@ class KeyedRows {
  public:
   /// How many keys the statement could be sent for, or more. nullopt when it is not sent for a key.
   static std::optional<std::size_t> CountKeys(const KeptStatement& kept, const SqliteConnection& connection,
-                                              const FindTable& find_table);
+                                              SqliteGuard& guard, const FindTable& find_table);
   /// The statement for all keys: the key in front, then the columns that are read of the one for a single
   /// key. `single` is that statement, or the same without DISTINCT. nullptr when the database would find rows
   /// in another way, and so maybe in another order.
   static SqliteStatement Compile(const KeptStatement& kept, sqlite3_stmt* single,
-                                 const SqliteConnection& connection, const FindTable& find_table);
+                                 const SqliteConnection& connection, SqliteGuard& guard,
+                                 const FindTable& find_table);
 
   /// Takes rows with their key in front. Of a key they stand together.
   explicit KeyedRows(std::shared_ptr<const ResultSet> rows);

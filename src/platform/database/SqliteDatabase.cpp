@@ -197,9 +197,12 @@ SqliteDatabase::~SqliteDatabase() {
 }
 
 std::shared_ptr<const ResultSet> SqliteDatabase::Select(const std::string& sql) {
-  // What is in the cache is of this snapshot: both end together.
-  if (std::shared_ptr<const ResultSet> known = cache_.Find(sql)) return known;
   try {
+    // Rows by key and what is in the cache are of this snapshot: they end together.
+    if (KeptStatement* const keyed = statements_.FindKeyed(sql)) {
+      if (std::shared_ptr<const ResultSet> known = ReadKeyed(*keyed, sql, {})) return known;
+    }
+    if (std::shared_ptr<const ResultSet> known = cache_.Find(sql)) return known;
     return Run(sql);
   } catch (const DatabaseError& error) {
     NoteFailure(error, sql);
@@ -219,7 +222,7 @@ void SqliteDatabase::NoteFailure(const DatabaseError& error, const std::string& 
 std::shared_ptr<const ResultSet> SqliteDatabase::Run(const std::string& sql) {
   if (!in_snapshot_) BeginSnapshot(sql);
   const std::uint64_t writes_noted = writes_noted_;
-  KeptStatement& kept = statements_.Bound(sql);
+  KeptStatement& kept = statements_.For(sql);
   if (kept.whole.traits.reads_catalogue) {
     const SqliteGuard::Pass pass(guard_);
     catalogue_.FillSystemTables(kept.whole.traits.calls_stored ? std::string_view() : sql);
@@ -236,6 +239,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
                                                       const Reading& reading) {
   if (std::shared_ptr<const ResultSet> held = ReadHeld(kept, sql)) return held;
   if (std::shared_ptr<const ResultSet> known = ReadKeyed(kept, sql, reading)) return known;
+  statements_.Bind(kept, sql);
   reading.moment ? connection_.ContinueStatement(*reading.moment) : connection_.BeginStatement();
   // A function of the database may turn out to ask for it.
   const bool asks_moment = kept.whole.traits.is_volatile || kept.whole.traits.calls_stored;
@@ -256,7 +260,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
     kept.may_narrow = false;
     kept.narrow = {};
     if (is_partial) {
-      return Read(statements_.Bound(sql), sql, {.all_rows = true, .all_columns = true, .moment = moment});
+      return Read(statements_.For(sql), sql, {.all_rows = true, .all_columns = true, .moment = moment});
     }
   }
   return is_partial ? Partial(builder, sql, has_more_rows, moment) : builder.Finish();
@@ -286,15 +290,11 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Partial(ResultSetBuilder& build
 /// nullptr for a statement whose rows are not known for all keys.
 std::shared_ptr<const ResultSet> SqliteDatabase::ReadKeyed(KeptStatement& kept, const std::string& sql,
                                                            const Reading& reading) {
-  const std::vector<SqlComparand>& values = statements_.Values();
-  const auto is_key = [&](const SqlComparand& value) {
-    return !value.is_text && value.number == values.front().number;
-  };
+  const std::optional<std::int64_t> key = statements_.Key();
   const bool rest_of_columns = kept.may_narrow && reading.all_columns;
-  if (values.empty() || rest_of_columns || !std::ranges::all_of(values, is_key)) return nullptr;
-  if (!ReadAllKeys(kept)) return nullptr;
+  if (!key || rest_of_columns || !ReadAllKeys(kept)) return nullptr;
   const std::shared_ptr<const KeyedRows> rows = kept.keyed.rows;
-  const std::optional<KeyedRows::Span> found = rows->Find(values.front().number);
+  const std::optional<KeyedRows::Span> found = rows->Find(*key);
   if (!found || (!kept.shape.WithoutDistinct().empty() && !rows->SurelyDiffer(*found))) return nullptr;
   connection_.BeginStatement();
   const std::optional<DateTime> moment =
@@ -315,10 +315,7 @@ bool SqliteDatabase::ReadAllKeys(KeptStatement& kept) {
     if (keyed.places == kept.narrow.places) return true;
     keyed = {};  // more columns are asked for now
   }
-  const auto count_keys = [&] {
-    const SqliteGuard::Pass pass(guard_);
-    return KeyedRows::CountKeys(kept, connection_, find_table_);
-  };
+  const auto count_keys = [&] { return KeyedRows::CountKeys(kept, connection_, guard_, find_table_); };
   try {
     if (keyed.demand.IsDue(count_keys)) ReadRowsOfAllKeys(kept);
   } catch (const DatabaseError&) {
@@ -331,11 +328,8 @@ void SqliteDatabase::ReadRowsOfAllKeys(KeptStatement& kept) {
   const std::uint64_t writes_noted = writes_noted_;
   const std::string& undistinct = kept.shape.WithoutDistinct();
   const CompiledQuery single = undistinct.empty() ? CompiledQuery{} : Compile(undistinct, undistinct);
-  const SqliteStatement all = [&] {
-    const SqliteGuard::Pass pass(guard_);
-    return KeyedRows::Compile(kept, (undistinct.empty() ? kept.whole : single).statement.get(), connection_,
-                              find_table_);
-  }();
+  const SqliteStatement all = KeyedRows::Compile(
+      kept, (undistinct.empty() ? kept.whole : single).statement.get(), connection_, guard_, find_table_);
   if (all == nullptr) return;
   connection_.BeginStatement();
   functions_.SetMetVolatile(false);
@@ -404,7 +398,7 @@ std::shared_ptr<const ResultSet> SqliteDatabase::FetchRest(const std::string& sq
   if (running_ || !in_snapshot_)
     throw DatabaseError("the rest of a result is asked for when its data may have changed", sql);
   try {
-    KeptStatement& kept = statements_.Bound(sql);
+    KeptStatement& kept = statements_.For(sql);
     std::shared_ptr<const ResultSet> rest =
         Read(kept, sql,
              {.all_rows = true, .all_columns = missing == ResultSet::Missing::kColumns, .moment = moment});

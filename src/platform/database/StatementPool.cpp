@@ -42,25 +42,55 @@ std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
 StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
     : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
 
-KeptStatement& StatementPool::Bound(const std::string& sql) {
+KeptStatement& StatementPool::For(const std::string& sql) {
   // The text that is compiled may be shorter than the one that is bounded.
-  const int longest = sqlite3_limit(connection_.Handle(), SQLITE_LIMIT_SQL_LENGTH, -1);
-  if (sql.size() > static_cast<std::size_t>(longest))
-    throw DatabaseError("the statement is longer than " + std::to_string(longest) + " bytes", sql);
-  auto found = kept_.begin();
-  while (found != kept_.end() && !found->shape.Matches(sql, values_)) ++found;
+  if (sql.size() > LongestText())
+    throw DatabaseError("the statement is longer than " + std::to_string(LongestText()) + " bytes", sql);
+  const auto has_shape = [&](const KeptStatement& kept) { return kept.shape.Matches(sql, values_); };
+  auto found = std::ranges::find_if(kept_, has_shape);
   if (found == kept_.end()) {
     Keep(sql);
-  } else {
-    kept_.splice(kept_.begin(), kept_, found);
+    found = kept_.begin();
   }
-  KeptStatement& kept = kept_.front();
-  Narrow(kept);
-  Bind(kept.whole.statement.get(), sql);
-  if (kept.narrow.statement != nullptr) Bind(kept.narrow.statement.get(), sql);
+  const auto has_null = [](const SqlComparand& value) {
+    return value.raw.find('\0') != std::string_view::npos;
+  };
+  if (std::ranges::any_of(values_, has_null)) throw DatabaseError("the statement has a null byte", sql);
+  KeptStatement& kept = Use(found);
   if (kept.runs == kRunsToLearn) MakeUndistinct(kept);
-  if (kept.undistinct != nullptr) Bind(kept.undistinct.get(), sql);
   return kept;
+}
+
+KeptStatement* StatementPool::FindKeyed(const std::string& sql) {
+  if (sql.size() > LongestText()) return nullptr;
+  const auto found = std::ranges::find_if(kept_, [&](const KeptStatement& kept) {
+    return kept.keyed.rows != nullptr && kept.shape.Matches(sql, values_);
+  });
+  return found == kept_.end() ? nullptr : &Use(found);
+}
+
+std::optional<std::int64_t> StatementPool::Key() const {
+  const auto is_key = [this](const SqlComparand& value) {
+    return !value.is_text && value.number == values_.front().number;
+  };
+  const bool has_key = !values_.empty() && std::ranges::all_of(values_, is_key);
+  return has_key ? std::optional(values_.front().number) : std::nullopt;
+}
+
+std::size_t StatementPool::LongestText() const {
+  return static_cast<std::size_t>(sqlite3_limit(connection_.Handle(), SQLITE_LIMIT_SQL_LENGTH, -1));
+}
+
+KeptStatement& StatementPool::Use(std::list<KeptStatement>::iterator kept) {
+  kept_.splice(kept_.begin(), kept_, kept);
+  Narrow(*kept);
+  return *kept;
+}
+
+void StatementPool::Bind(KeptStatement& kept, const std::string& sql) const {
+  BindValues(kept.whole.statement.get(), sql);
+  if (kept.narrow.statement != nullptr) BindValues(kept.narrow.statement.get(), sql);
+  if (kept.undistinct != nullptr) BindValues(kept.undistinct.get(), sql);
 }
 
 void StatementPool::MakeUndistinct(KeptStatement& kept) const {
@@ -84,7 +114,7 @@ void StatementPool::Keep(const std::string& sql) {
   if (kept_.size() > kKeptStatements) kept_.pop_back();
 }
 
-void StatementPool::Bind(sqlite3_stmt* statement, const std::string& sql) const {
+void StatementPool::BindValues(sqlite3_stmt* statement, const std::string& sql) const {
   int index = 0;
   for (const SqlComparand& value : values_) {
     ++index;
@@ -99,8 +129,6 @@ void StatementPool::Bind(sqlite3_stmt* statement, const std::string& sql) const 
       const std::string text = TextOf(value);
       code = sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
-    if (value.raw.find('\0') != std::string_view::npos)
-      throw DatabaseError("the statement has a null byte", sql);
     if (code != SQLITE_OK) connection_.Fail(code, sql);
   }
 }

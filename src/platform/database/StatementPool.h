@@ -57,10 +57,17 @@ class StatementPool {
   using Compile = std::function<CompiledQuery(const std::string& sql, const std::string& sent)>;
   StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile);
 
-  /// The statement of the text's shape with the text's values bound. Valid until the next call.
-  KeptStatement& Bound(const std::string& sql);
+  /// The statement of the text's shape. Valid until the next call. Throws DatabaseError for a text that is
+  /// too long, has a null byte or does not compile.
+  KeptStatement& For(const std::string& sql);
+  /// The same if its rows were read for all keys; nullptr otherwise.
+  KeptStatement* FindKeyed(const std::string& sql);
+  /// Binds the values of the text, the one of the last call.
+  void Bind(KeptStatement& kept, const std::string& sql) const;
   /// The values that the text of the last call compares columns with; they point into it.
   const std::vector<SqlComparand>& Values() const { return values_; }
+  /// The one number that all of them are; nullopt when there is none.
+  std::optional<std::int64_t> Key() const;
   void Clear() { kept_.clear(); }
   /// The data may have changed.
   void ForgetRows() {
@@ -68,8 +75,10 @@ class StatementPool {
   }
 
  private:
+  std::size_t LongestText() const;
+  KeptStatement& Use(std::list<KeptStatement>::iterator kept);
   void Keep(const std::string& sql);
-  void Bind(sqlite3_stmt* statement, const std::string& sql) const;
+  void BindValues(sqlite3_stmt* statement, const std::string& sql) const;
   void Narrow(KeptStatement& kept);
   void MakeUndistinct(KeptStatement& kept) const;
 
