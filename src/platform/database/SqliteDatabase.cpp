@@ -31,6 +31,7 @@ namespace {
 
 // Who only wants to know whether there are rows reads no more than these.
 constexpr std::size_t kFirstRows = 256;
+constexpr std::size_t kFirstCells = 4096;
 constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max() - 1;
 constexpr std::size_t kPartialResults = 64;
 constexpr std::size_t kMaxKeyedBytes = 32u << 20;
@@ -247,11 +248,10 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Read(KeptStatement& kept, const
   functions_.SetMetVolatile(false);
   if (std::shared_ptr<const ResultSet> single = ReadUndistinct(kept, sql)) return single;
   const bool narrow = !reading.all_columns && kept.narrow.statement != nullptr;
-  ResultSetBuilder builder =
-      narrow ? ResultSetBuilder(kept.columns, kept.narrow.places, static_cast<std::size_t>(kept.narrow.width))
-             : ResultSetBuilder(kept.columns);
+  ResultSetBuilder builder = kept.ResultOf(narrow);
   sqlite3_stmt* const statement = narrow ? kept.narrow.statement.get() : kept.whole.statement.get();
-  const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows ? kAllRows : kFirstRows, builder);
+  const std::size_t first_rows = std::min(kFirstRows, kFirstCells / (builder.Width() + 1));
+  const bool has_more_rows = !ReadRows(statement, sql, reading.all_rows ? kAllRows : first_rows, builder);
   kept.gave_many = kept.gave_many || builder.RowCount() > 1;
   const bool is_partial = narrow || has_more_rows;
   if (functions_.MetVolatile()) {
@@ -299,10 +299,8 @@ std::shared_ptr<const ResultSet> SqliteDatabase::ReadKeyed(KeptStatement& kept, 
   connection_.BeginStatement();
   const std::optional<DateTime> moment =
       kept.whole.traits.is_volatile ? std::optional(connection_.Moment()) : std::nullopt;
-  const bool narrow = kept.keyed.places != nullptr;
-  ResultSetBuilder builder =
-      narrow ? ResultSetBuilder(kept.columns, kept.keyed.places, static_cast<std::size_t>(kept.narrow.width))
-             : ResultSetBuilder(kept.columns);
+  const bool narrow = kept.keyed.places != nullptr;  // then they are the narrow statement's
+  ResultSetBuilder builder = kept.ResultOf(narrow);
   for (int row = found->first; row < found->first + found->count; ++row) rows->AddTo(builder, row);
   return narrow ? Partial(builder, sql, false, moment) : builder.Finish();
 }

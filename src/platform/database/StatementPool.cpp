@@ -39,6 +39,11 @@ std::shared_ptr<const ResultColumns> ColumnsOf(sqlite3_stmt* statement) {
 
 }  // namespace
 
+ResultSetBuilder KeptStatement::ResultOf(bool is_narrow) const {
+  if (!is_narrow) return ResultSetBuilder(columns);
+  return {columns, narrow.places, static_cast<std::size_t>(narrow.width)};
+}
+
 StatementPool::StatementPool(SqliteConnection& connection, SqliteGuard& guard, Compile compile)
     : connection_(connection), guard_(guard), compile_(std::move(compile)) {}
 

@@ -48,6 +48,9 @@ struct KeptStatement {
   /// How rows held in memory answer it; no pointer when they do not, nothing before that was looked for.
   std::optional<std::unique_ptr<HeldSelect>> held = {};
   KeyedStatement keyed = {};
+
+  /// An empty result of the narrow statement, or of the whole one.
+  ResultSetBuilder ResultOf(bool is_narrow) const;
 };
 
 /// The statements used last, compiled once for each shape.

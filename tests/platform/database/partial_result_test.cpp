@@ -126,6 +126,16 @@ TEST_F(PartialResultTest, RowsAreTheSameInBothReadings) {
   }
 }
 
+TEST_F(PartialResultTest, OfManyColumnsFewerRowsAreReadAtFirst) {
+  std::string sql = "SELECT *";
+  for (int i = 0; i < 100; ++i) sql += ", A AS A" + std::to_string(i);
+  const auto result = database_->Select(sql + " FROM Many WHERE Id <= 100");
+  EXPECT_FALSE(result->IsEmpty());
+  EXPECT_FALSE(result->IsComplete());
+  EXPECT_EQ(result->RowCount(), 100);
+  EXPECT_EQ(result->AsText(99, result->ColumnIndex("A99")), "a100");
+}
+
 TEST_F(PartialResultTest, RowsBehindTheFirstOnesAreThere) {
   const Registered registered("many", database_);
   for (const int rows : {255, 256, 257, 1000}) {
