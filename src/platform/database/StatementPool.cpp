@@ -14,6 +14,8 @@ namespace excelexp {
 namespace {
 
 constexpr std::size_t kKeptStatements = 64;
+// A walk through keys sends a few statements for each; they stand in front.
+constexpr std::size_t kWalkedStatements = 8;
 // So often a statement shows what its readers want before it is narrowed to that.
 constexpr int kRunsToLearn = 3;
 constexpr int kLeastSavedColumns = 4;
@@ -68,10 +70,11 @@ KeptStatement& StatementPool::For(const std::string& sql) {
 
 KeptStatement* StatementPool::FindKeyed(const std::string& sql) {
   if (sql.size() > LongestText()) return nullptr;
-  const auto found = std::ranges::find_if(kept_, [&](const KeptStatement& kept) {
-    return kept.keyed.rows != nullptr && kept.shape.Matches(sql, values_);
-  });
-  return found == kept_.end() ? nullptr : &Use(found);
+  std::size_t seen = 0;
+  for (auto kept = kept_.begin(); kept != kept_.end() && seen < kWalkedStatements; ++kept, ++seen) {
+    if (kept->keyed.rows != nullptr && kept->shape.Matches(sql, values_)) return &Use(kept);
+  }
+  return nullptr;
 }
 
 std::optional<std::int64_t> StatementPool::Key() const {

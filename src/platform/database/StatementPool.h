@@ -63,7 +63,7 @@ class StatementPool {
   /// The statement of the text's shape. Valid until the next call. Throws DatabaseError for a text that is
   /// too long, has a null byte or does not compile.
   KeptStatement& For(const std::string& sql);
-  /// The same if its rows were read for all keys; nullptr otherwise.
+  /// The same if its rows were read for all keys and it is one of those used last; nullptr otherwise.
   KeptStatement* FindKeyed(const std::string& sql);
   /// Binds the values of the text, the one of the last call.
   void Bind(KeptStatement& kept, const std::string& sql) const;
