@@ -16,6 +16,7 @@
 #include "platform/database/DistinctOrder.h"
 #include "platform/database/HeldSelect.h"
 #include "platform/database/HeldTables.h"
+#include "platform/database/MissingIds.h"
 #include "platform/database/Names.h"
 #include "platform/database/ResultCache.h"
 #include "platform/database/ResultSet.h"
@@ -429,6 +430,7 @@ CompiledQuery SqliteDatabase::Compile(const std::string& sql, const std::string&
     rewritten = RewriteSql(SortWhatIsDistinct(sql), find_table_);
     rewritten = JoinWhatIsDistinct(rewritten, connection_, guard_, find_table_);
     rewritten = FilterWhatIsUnited(rewritten, connection_);
+    rewritten = LeaveOutMissingIds(rewritten, connection_, find_table_);
   } catch (const DatabaseError& error) {
     throw DatabaseError(error.Message(), sent);
   }
