@@ -1135,9 +1135,10 @@ INSERT INTO DatabaseFunction VALUES
   ('FGetEmployeeId', 1, 'SELECT EmployeeId FROM Employee WHERE EmployeeSysId = ?1'),
   -- The day the probation ends; for a day that the month does not have, its last.
   ('FGetConfirmationDue', 1,
-   'SELECT MIN(date(HireDate, ''+'' || ProbationMonths || '' months''),
-               date(HireDate, ''start of month'', ''+'' || (ProbationMonths + 1) || '' months'', ''-1 day''))
-    FROM Employee WHERE EmployeeSysId = ?1 AND ProbationMonths > 0'),
+   'SELECT CASE WHEN ProbationMonths > 0 THEN
+               MIN(date(HireDate, ''+'' || ProbationMonths || '' months''),
+                   date(HireDate, ''start of month'', ''+'' || (ProbationMonths + 1) || '' months'', ''-1 day'')) END
+    FROM Employee WHERE EmployeeSysId = ?1'),
   ('FGetRetirementDue', 1,
    'SELECT date(Personal.DateOfBirth, ''+'' || CAST(SystemParameter.ParameterValue AS INTEGER) || '' years'')
     FROM Employee JOIN Personal ON Personal.PersonalSysId = Employee.PersonalSysId
