@@ -179,22 +179,34 @@ bool BandedFrame::PrintItem(WkSheetItem& item) {
 
 bool BandedFrame::PrintFinancialRpt(const std::string& report_id) {
   core_->WriteBanner(Memo::kInternal, {"     FINANCIAL REPORT PRINTING PROCESSING       "});
+  const LayoutRow* const* known = financial_layouts_.Find(report_id);
+  if (known == nullptr) {
+    const std::optional<const LayoutRow*> layout = FinancialLayoutOf(report_id);
+    if (!layout) return false;
+    known = &financial_layouts_.Keep(report_id, *layout);
+  }
+  return *known == nullptr || PrintByLayout(**known);
+}
+
+std::optional<const LayoutRow*> BandedFrame::FinancialLayoutOf(const std::string& report_id) {
   static const std::string gap(10, ' ');
   if (!core_->ExecuteSQL(
           Joined({"SELECT LayoutSchemeId, CycleMethod  FROM", gap, "FinancialRpt JOIN AnlysProject ON", gap,
                   "FinancialRpt.FinancialAnalysProjId = AnlysProject.AnlysProjectId", gap,
                   "WHERE FinancialRptId = ", SqlText(report_id)}))) {
-    return Fail("PrintFinancialRpt", "Error in getting the financial report layout scheme.");
+    Fail("PrintFinancialRpt", "Error in getting the financial report layout scheme.");
+    return std::nullopt;
   }
   if (core_->SQLQry->IsEmpty()) {
-    return Fail("PrintFinancialRpt", "Empty financial report layout scheme information.");
+    Fail("PrintFinancialRpt", "Empty financial report layout scheme information.");
+    return std::nullopt;
   }
   const std::string scheme = core_->SQLQry->FieldByName("LayoutSchemeId").AsString();
   const std::string cycle_method = core_->SQLQry->FieldByName("CycleMethod").AsString();
   for (const LayoutRow& layout : traits_.layouts) {
-    if (layout.scheme == scheme && Fits(layout.as_of, cycle_method)) return PrintByLayout(layout);
+    if (layout.scheme == scheme && Fits(layout.as_of, cycle_method)) return &layout;
   }
-  return true;
+  return nullptr;
 }
 
 bool BandedFrame::PrintByLayout(const LayoutRow& layout) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "frames/FrameTraits.h"
 #include "frames/GrpItem.h"
 #include "frames/ReportFrame.h"
+#include "services/DefinitionMemory.h"
 
 namespace excelexp {
 
@@ -70,6 +72,9 @@ class BandedFrame : public ReportFrame {
   bool PrintMainInfoColumn(int band_row);
   bool PrintItem(WkSheetItem& item);
   bool PrintFinancialRpt(const std::string& report_id);
+  /// nullptr for a report that no layout of the frame prints; nullopt when it cannot be told, which is
+  /// logged.
+  std::optional<const LayoutRow*> FinancialLayoutOf(const std::string& report_id);
   bool PrintByLayout(const LayoutRow& layout);
   void WriteBanner(const std::string_view (&titles)[2]);
   void AppendFieldLists(const Query& rows, std::string_view table, std::string_view field,
@@ -80,6 +85,7 @@ class BandedFrame : public ReportFrame {
   Query ExcelRptSortingQry;
   Query ExcelRptSummLvlItemQry;
   Query ColourSchemeQry;
+  Remembered<const LayoutRow*> financial_layouts_;  // by report
   CellPrinter cells_;
   FrameTotals totals_;
 
