@@ -39,11 +39,9 @@ BExcelExpEngBreakdownListRpt::BExcelExpEngBreakdownListRpt(BExcelExpEngCore* cor
     : ListingLayout(core, kTraits), TimesheetBasisQry(core->DatabaseName) {}
 
 bool BExcelExpEngBreakdownListRpt::ExecuteOperation() {
-  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
-      !OpenPeriods(ChosenPeriodsSql(), DataPeriodsSql())) {
-    return false;
-  }
-  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
+  if (!ReadReport() || !ReadProject() || !OpenRecords() || !OpenPeriods(ChosenPeriodsSql())) return false;
+  if (!HasPeriods() && !OpenPeriods(DataPeriodsSql())) return false;
+  return HasPeriods() ? PrintColumnItems() : FailNoPeriods();
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintBlock() {

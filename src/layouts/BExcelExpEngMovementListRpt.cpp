@@ -32,21 +32,22 @@ BExcelExpEngMovementListRpt::BExcelExpEngMovementListRpt(BExcelExpEngCore* core)
 bool BExcelExpEngMovementListRpt::ExecuteOperation() {
   const std::string options =
       "SELECT * FROM ExcelWSItemRptOpts WHERE WkSheetItemSysId = " + std::to_string(core_->ExcelWSItemSysId);
-  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
-      !OpenPeriods(options,
-                   "SELECT DISTINCT AnlysItemRecYear AS WSItemFromYear, AnlysItemRecPeriodMonth AS "
-                   "WSItemFromMthPeriod, "
-                   "AnlysItemRecSubPeriod AS WSItemFromSubPeriod FROM AnlysItemRecord " +
-                       DataCondition() +
-                       " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, "
-                       "AnlysPayRecBasis")) {
-    return false;
-  }
-  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
+  if (!ReadReport() || !ReadProject() || !OpenRecords() || !OpenPeriods(options)) return false;
+  if (!HasPeriods() && !OpenPeriods(DataOptionsSql())) return false;
+  return HasPeriods() ? PrintColumnItems() : FailNoPeriods();
+}
+
+std::string BExcelExpEngMovementListRpt::DataOptionsSql() const {
+  return "SELECT DISTINCT AnlysItemRecYear AS WSItemFromYear, AnlysItemRecPeriodMonth AS "
+         "WSItemFromMthPeriod, "
+         "AnlysItemRecSubPeriod AS WSItemFromSubPeriod FROM AnlysItemRecord " +
+         DataCondition() +
+         " ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, "
+         "AnlysPayRecBasis";
 }
 
 bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
-  ExcelRptLayoutQry.First();
+  TakePeriod();
   SetStartPrintedCol(current_col_);
   if (AtFirstEntity() && !PrintPayPeriodInfo()) return false;
   const int heading_end = core_->LastPrintedCol + GetNoOfMergeCells();
@@ -56,6 +57,13 @@ bool BExcelExpEngMovementListRpt::PrintPayRecInfo() {
   // both.
   SetLastPrintedCol(std::max(current_col_, heading_end));
   return true;
+}
+
+void BExcelExpEngMovementListRpt::TakePeriod() {
+  ExcelRptLayoutQry.First();
+  period_.year = ExcelRptLayoutQry.FieldByName("WSItemFromYear").AsInteger();
+  period_.period_month = ExcelRptLayoutQry.FieldByName("WSItemFromMthPeriod").AsInteger();
+  period_.sub_period = ExcelRptLayoutQry.FieldByName("WSItemFromSubPeriod").AsInteger();
 }
 
 bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
@@ -82,8 +90,8 @@ bool BExcelExpEngMovementListRpt::PrintPayPeriodInfo() {
 }
 
 std::string BExcelExpEngMovementListRpt::HeadingText() const {
-  const int year = ExcelRptLayoutQry.FieldByName("WSItemFromYear").AsInteger();
-  const int period = ExcelRptLayoutQry.FieldByName("WSItemFromMthPeriod").AsInteger();
+  const int year = period_.year;
+  const int period = period_.period_month;
   const auto month = [](int of_year, int number) {
     return FormatDateTime("mmmm yyyy", EncodeDate(of_year, number, 1));
   };
@@ -96,14 +104,6 @@ std::string BExcelExpEngMovementListRpt::HeadingText() const {
 
 bool BExcelExpEngMovementListRpt::PrintFinancialData() {
   return WalkColumns(kWalk);
-}
-
-bool BExcelExpEngMovementListRpt::LocateItem(const std::string& item_id, const std::string& item_type) {
-  PeriodKey period;
-  period.year = ExcelRptLayoutQry.FieldByName("WSItemFromYear").AsInteger();
-  period.period_month = ExcelRptLayoutQry.FieldByName("WSItemFromMthPeriod").AsInteger();
-  period.sub_period = ExcelRptLayoutQry.FieldByName("WSItemFromSubPeriod").AsInteger();
-  return lookup_.Locate(period, item_id, item_type, Text(FinanceColItemQry, "FinColGrouping"));
 }
 
 }  // namespace excelexp

@@ -22,9 +22,11 @@ class BExcelExpEngMovementListRpt final : public ListingLayout {
 
  protected:
   bool PrintBlock() override { return PrintPayRecInfo(); }
-  bool LocateItem(const std::string& item_id, const std::string& item_type) override;
 
  private:
+  /// What the data holds, in the columns of the report options.
+  std::string DataOptionsSql() const;
+  void TakePeriod();
   /// "Staff Movement Report for ..." for the current period; "" for other groupings than by year and month.
   std::string HeadingText() const;
 };

@@ -113,14 +113,9 @@ std::string FinancialLayout::DataPeriodsSql() const {
        "ORDER BY AnlysItemRecYear, AnlysItemRecPeriodMonth, AnlysItemRecSubPeriod, AnlysPayRecBasis"});
 }
 
-bool FinancialLayout::OpenPeriods(const std::string& select, const std::string& data_select) {
-  const OperationName where = Where("ExecuteOperation");
-  if (!core_->OpenOrLog(ExcelRptLayoutQry, select, where, "ExcelRptLayoutQry", Rows::kOptional)) return false;
-  if (ExcelRptLayoutQry.RowCount() == 0 && !data_select.empty() &&
-      !core_->OpenOrLog(ExcelRptLayoutQry, data_select, where, "ExcelRptLayoutQry", Rows::kOptional)) {
-    return false;
-  }
-  return true;
+bool FinancialLayout::OpenPeriods(const std::string& select) {
+  return core_->OpenOrLog(ExcelRptLayoutQry, select, Where("ExecuteOperation"), "ExcelRptLayoutQry",
+                          Rows::kOptional);
 }
 
 bool FinancialLayout::FailNoPeriods() {

@@ -55,10 +55,10 @@ class FinancialLayout : public ReportLayout {
   std::string EntityCondition() const;
   /// "WHERE AnlysProjectId = ... AND AnlysIPAddress = ..." of the item being printed.
   std::string DataCondition() const;
-  /// Opens ExcelRptLayoutQry by `select` (the item's choice of periods); when that has no rows and
-  /// `data_select` is not empty, by `data_select` (what the data holds). No rows in the end is no failure
-  /// here.
-  bool OpenPeriods(const std::string& select, const std::string& data_select);
+  /// Opens ExcelRptLayoutQry: by the item's choice of periods, or by what the data holds. No rows is no
+  /// failure here.
+  bool OpenPeriods(const std::string& select);
+  bool HasPeriods() const { return ExcelRptLayoutQry.RowCount() > 0; }
   bool FailNoPeriods();
   /// The chosen periods and their derivation from the data, as column groups.
   std::string ChosenPeriodsSql() const;

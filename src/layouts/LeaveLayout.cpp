@@ -22,11 +22,9 @@ OperationName LeaveLayout::LeaveWhere(std::string_view operation) const {
 }
 
 bool LeaveLayout::ExecuteOperation() {
-  if (!ReadReport() || !ReadProject() || !OpenRecords() ||
-      !OpenPeriods(ChosenPeriodsSql(), leave_traits_.derives_groups ? DataPeriodsSql() : "")) {
-    return false;
-  }
-  return ExcelRptLayoutQry.RowCount() == 0 ? FailNoPeriods() : PrintColumnItems();
+  if (!ReadReport() || !ReadProject() || !OpenRecords() || !OpenPeriods(ChosenPeriodsSql())) return false;
+  if (!HasPeriods() && leave_traits_.derives_groups && !OpenPeriods(DataPeriodsSql())) return false;
+  return HasPeriods() ? PrintColumnItems() : FailNoPeriods();
 }
 
 bool LeaveLayout::PrintPayRecInfo() {

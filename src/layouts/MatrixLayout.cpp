@@ -13,9 +13,9 @@ MatrixLayout::MatrixLayout(BExcelExpEngCore* core, const MatrixTraits& traits)
 
 bool MatrixLayout::ExecuteOperation() {
   const bool derives_periods = matrix_.periods == MatrixPeriods::kChosenOrData;
-  if (!ReadReport() || !OpenRecords()) return false;
-  if (!OpenPeriods(PeriodsSql(), derives_periods ? DataPeriodsSql() : "")) return false;
-  if (ExcelRptLayoutQry.RowCount() == 0) return EndWithoutPeriods();
+  if (!ReadReport() || !OpenRecords() || !OpenPeriods(PeriodsSql())) return false;
+  if (!HasPeriods() && derives_periods && !OpenPeriods(DataPeriodsSql())) return false;
+  if (!HasPeriods()) return EndWithoutPeriods();
   if (!OpenColumnItems() || !OpenRowItems()) return false;
   if (FinanceRowItemQry.RowCount() == 0) return WarnItemsNotSet("Row");
   return PrintBlock();
