@@ -70,7 +70,11 @@ struct KeyMatch {
 class JoinRewriter {
  public:
   JoinRewriter(std::string_view sql, const FindTable& find_table)
-      : sql_(sql), find_table_(find_table), tokens_(TokenizeSql(sql)) {}
+      : sql_(sql),
+        find_table_(find_table),
+        tokens_(TokenizeSql(sql)),
+        needs_tables_(std::ranges::any_of(
+            tokens_, [](const SqlToken& token) { return token.IsWord("join") || token.IsWord("in"); })) {}
 
   std::string Run() {
     while (at_ < tokens_.size()) {
@@ -352,7 +356,7 @@ class JoinRewriter {
     if (qualified) source.name = NameOf(tokens_[std::exchange(at_, at_ + 2) + 1]);
     if (AtMark('(')) {
       WalkParentheses();
-    } else if (qualified || !IsWithName(source.name)) {
+    } else if (needs_tables_ && (qualified || !IsWithName(source.name))) {
       source.shape = find_table_(source.name);
       source.missing = source.shape == nullptr;
     }
@@ -494,6 +498,7 @@ class JoinRewriter {
   std::string_view sql_;
   const FindTable& find_table_;
   std::vector<SqlToken> tokens_;
+  const bool needs_tables_;  // to read about a table costs more than to compile a small statement
   std::size_t at_ = 0;
   int nesting_ = 0;
   std::vector<Insertion> insertions_;

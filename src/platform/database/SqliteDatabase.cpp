@@ -178,7 +178,10 @@ SqliteDatabase::SqliteDatabase(const std::string& file, SqliteOptions options)
       guard_(connection_),
       catalogue_(connection_),
       held_(connection_, guard_),
-      find_table_([this](std::string_view name) { return catalogue_.Find(name); }),
+      find_table_([this](std::string_view name) {
+        const SqliteGuard::Pass pass(guard_);
+        return catalogue_.Find(name);
+      }),
       statements_(connection_, guard_,
                   [this](const std::string& sql, const std::string& sent) { return Compile(sql, sent); }),
       functions_(connection_, guard_, find_table_,
@@ -546,19 +549,15 @@ void SqliteDatabase::ForgetSchema() {
 
 std::string SqliteDatabase::ColumnType(std::string_view table, std::string_view column) {
   if (!in_snapshot_) BeginSnapshot("");
-  const SqliteGuard::Pass pass(guard_);
-  const TableShape* shape = catalogue_.Find(table);
+  const TableShape* shape = find_table_(table);
   const TableShape::Column* found = shape == nullptr ? nullptr : shape->Find(column);
   return found == nullptr ? std::string() : TypeWordOf(found->declared_type);
 }
 
 std::string SqliteDatabase::Parameter(std::string_view id, std::string_view absent) {
   if (!in_snapshot_) BeginSnapshot("");
-  {
-    const SqliteGuard::Pass pass(guard_);
-    const TableShape* shape = catalogue_.Find("SystemParameter");
-    if (shape == nullptr || shape->Find("ParameterValue") == nullptr) return std::string(absent);
-  }
+  const TableShape* shape = find_table_("SystemParameter");
+  if (shape == nullptr || shape->Find("ParameterValue") == nullptr) return std::string(absent);
   const auto rows =
       Select("SELECT ParameterValue FROM SystemParameter WHERE ParameterId = '" + std::string(id) + "'");
   return rows->RowCount() == 0 || rows->IsNull(0, 0) ? std::string(absent) : rows->AsText(0, 0);
