@@ -143,9 +143,11 @@ void StatementPool::BindValues(sqlite3_stmt* statement, const std::string& sql) 
 
 /// Readers of "SELECT *" want a few columns, and each column costs, a computed one most. A statement that is
 /// sent again and again is narrowed to what was asked of it so far, as long as the database then finds its
-/// rows in the very same way, and so in the same order.
+/// rows in the very same way, and so in the same order. Of rows held in memory only what is asked for is read
+/// anyway.
 void StatementPool::Narrow(KeptStatement& kept) {
-  if (!kept.may_narrow || kept.runs < kRunsToLearn) return;
+  const bool is_held = kept.held && *kept.held != nullptr;
+  if (!kept.may_narrow || is_held || kept.runs < kRunsToLearn) return;
   if (kept.narrow.statement != nullptr && kept.columns->AskedCount() == kept.narrow.width) return;
   const std::vector<int> asked = kept.columns->Asked();
   kept.narrow = {};
