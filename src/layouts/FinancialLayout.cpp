@@ -135,6 +135,29 @@ bool FinancialLayout::WarnItemsNotSet(std::string_view kind) {
   return true;
 }
 
+std::shared_ptr<std::vector<KnownColumnItem>> FinancialLayout::ItemsOf(Query& rows, std::string_view prefix) {
+  return core_->Memory->ItemsOf(rows, core_->ExcelWkSheetTitleColourSchemeId, [&] {
+    const auto text = [&](std::string_view name) { return Text(rows, Joined({prefix, name})); };
+    KnownColumnItem item;
+    item.type = text("ItemType");
+    item.item = text("Item");
+    item.grouping = text("Grouping");
+    item.component = text("Component");
+    item.title = text("ItemTitle");
+    item.scheme = Text(rows, "ColourSchemeId");
+    item.formula = text("ExcelFormula");
+    return item;
+  });
+}
+
+const ValueColumn* FinancialLayout::ValueColumnOf(KnownColumnItem& item, const OperationName& where,
+                                                  std::string_view map_column) {
+  if (const auto known = item.values.find(map_column); known != item.values.end()) return &known->second;
+  ValueColumn value;
+  if (!ReadValueColumn(item.grouping, item.component, where, value, map_column)) return nullptr;
+  return &item.values.emplace(map_column, std::move(value)).first->second;
+}
+
 bool FinancialLayout::ReadValueColumn(const std::string& grouping, const std::string& component,
                                       const OperationName& where, ValueColumn& value,
                                       std::string_view map_column) {

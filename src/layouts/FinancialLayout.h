@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "layouts/ReportLayout.h"
 #include "services/AllItems.h"
@@ -70,6 +72,11 @@ class FinancialLayout : public ReportLayout {
   /// such a report.
   bool WarnItemsNotSet(std::string_view kind);
 
+  /// The items of a report that the query lists, whose columns are named "FinCol..." or "FinRow...".
+  std::shared_ptr<std::vector<KnownColumnItem>> ItemsOf(Query& rows, std::string_view prefix);
+  /// Where the item's values stand; nullptr after a failure. Valid as long as the item.
+  const ValueColumn* ValueColumnOf(KnownColumnItem& item, const OperationName& where,
+                                   std::string_view map_column = "AnlysMapField");
   /// Reads where the values of a (grouping, component) stand; `map_column` of AnItemLookup names the record's
   /// column.
   bool ReadValueColumn(const std::string& grouping, const std::string& component, const OperationName& where,

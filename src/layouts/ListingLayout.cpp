@@ -17,25 +17,10 @@ bool ListingLayout::PrintColumnItems() {
     return false;
   }
   if (FinanceColItemQry.RowCount() == 0) return WarnItemsNotSet("Column");
-  ReadColumnItems();
+  items_ = ItemsOf(FinanceColItemQry, "FinCol");
   current_row_ = core_->StartPrintedRow;
   current_col_ = core_->LastPrintedCol;
   return PrintBlock();
-}
-
-void ListingLayout::ReadColumnItems() {
-  const auto text = [this](std::string_view field) { return Text(FinanceColItemQry, field); };
-  items_ = core_->Memory->ItemsOf(FinanceColItemQry, core_->ExcelWkSheetTitleColourSchemeId, [&] {
-    KnownColumnItem item;
-    item.type = text("FinColItemType");
-    item.item = text("FinColItem");
-    item.grouping = text("FinColGrouping");
-    item.component = text("FinColComponent");
-    item.title = text("FinColItemTitle");
-    item.scheme = text("ColourSchemeId");
-    item.formula = text("FinColExcelFormula");
-    return item;
-  });
 }
 
 bool ListingLayout::WalkColumns(const ColumnWalk& walk) {
@@ -83,24 +68,22 @@ bool ListingLayout::PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& i
       value = {std::string(column->column), std::string(column->type)};
     return PrintAnalysisColumn(walk, item.title, BankPaymentCategory(item.item), item.grouping, value);
   }
-  if (!item.value) {
-    ValueColumn value;
-    if (!ReadValueColumn(item.grouping, item.component, where, value)) return false;
-    item.value = std::move(value);
-  }
-  if (walk.expands_all && item.item == kAllItems) return PrintAllItems(walk, item, where);
+  const ValueColumn* const value = ValueColumnOf(item, where);
+  if (value == nullptr) return false;
+  if (walk.expands_all && item.item == kAllItems) return PrintAllItems(walk, item, *value, where);
   const bool by_component = std::find(walk.component_groupings.begin(), walk.component_groupings.end(),
                                       item.grouping) != walk.component_groupings.end();
   return PrintAnalysisColumn(walk, item.title, by_component ? item.component : item.item, item.grouping,
-                             *item.value);
+                             *value);
 }
 
-bool ListingLayout::PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where) {
+bool ListingLayout::PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const ValueColumn& value,
+                                  const OperationName& where) {
   if (!OpenAllItems(item.grouping, where)) return false;
   if (AllFormulaQry.RowCount() == 0) WarnNoItems(item.grouping, NoItemsPrefix());
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {
     if (!PrintAnalysisColumn(walk, Text(AllFormulaQry, "AnlysItemDesc"), Text(AllFormulaQry, "AnlysItem1Id"),
-                             item.grouping, *item.value) ||
+                             item.grouping, value) ||
         !cells_.Format(item, current_row_, WalkCol(walk), where)) {
       return false;
     }

@@ -83,10 +83,10 @@ class ListingLayout : public FinancialLayout {
   int WalkCol(const ColumnWalk& walk) const { return current_col_ + walk.shift; }
 
  private:
-  void ReadColumnItems();
   bool PrintColumn(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
   bool PrintAnalysisItem(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
-  bool PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const OperationName& where);
+  bool PrintAllItems(const ColumnWalk& walk, KnownColumnItem& item, const ValueColumn& value,
+                     const OperationName& where);
   bool IsTitled(const ColumnWalk& walk) const;
 
   std::shared_ptr<std::vector<KnownColumnItem>> items_;  // of the rows of FinanceColItemQry

@@ -18,6 +18,7 @@ bool MatrixLayout::ExecuteOperation() {
   if (!HasPeriods()) return EndWithoutPeriods();
   if (!OpenColumnItems() || !OpenRowItems()) return false;
   if (FinanceRowItemQry.RowCount() == 0) return WarnItemsNotSet("Row");
+  row_items_ = ItemsOf(FinanceRowItemQry, "FinRow");
   return PrintBlock();
 }
 
@@ -47,6 +48,7 @@ bool MatrixLayout::OpenRowItems() {
 }
 
 bool MatrixLayout::PrintBlock() {
+  columns_.clear();
   current_row_ = core_->StartPrintedRow;
   current_col_ = core_->StartPrintedCol;
   if (FinanceColItemQry.RowCount() > 0 && !PrintColFinancialData()) return false;
@@ -90,12 +92,12 @@ bool MatrixLayout::PrintColumnItem() {
 }
 
 bool MatrixLayout::IsAllItems() const {
-  return RowText("FinRowItemType") == item_type::kAnalysis && RowText("FinRowItem") == kAllItems;
+  return CurrentRow().type == item_type::kAnalysis && CurrentRow().item == kAllItems;
 }
 
 bool MatrixLayout::PrintRowItem() {
   if (!IsAllItems()) return PrintRow();
-  const std::string grouping = RowText("FinRowGrouping");
+  const std::string& grouping = CurrentRow().grouping;
   if (!OpenAllItems(grouping, Where("ExecuteOperation"))) return false;
   if (AllFormulaQry.RowCount() == 0) WarnNoItems(grouping);
   for (AllFormulaQry.First(); !AllFormulaQry.Eof(); AllFormulaQry.Next()) {
@@ -114,8 +116,9 @@ bool MatrixLayout::PrintRow() {
 bool MatrixLayout::PrintRowFinancialData() {
   const OperationName where = Where("PrintRowFinancialData");
   core_->WriteBanner(Memo::kInternal, {matrix_.row_banner});
-  if (!cells_.OpenSchemes(RowText("ColourSchemeId"), where)) return false;
-  const std::string title = IsAllItems() ? Text(AllFormulaQry, "AnlysItemDesc") : RowText("FinRowItemTitle");
+  KnownColumnItem& item = CurrentRow();
+  if (!cells_.OpenSchemes(item, where)) return false;
+  const std::string title = IsAllItems() ? Text(AllFormulaQry, "AnlysItemDesc") : item.title;
   if (!cells_.WriteTitle(current_row_, current_col_, title, where)) return false;
   const int first_period_col = ++current_col_;
   for (ExcelRptLayoutQry.First(); !ExcelRptLayoutQry.Eof(); ExcelRptLayoutQry.Next()) {
@@ -127,7 +130,9 @@ bool MatrixLayout::PrintRowFinancialData() {
 bool MatrixLayout::PrintPeriod() {
   const bool headed = matrix_.headings == PeriodHeadings::kOverEachPeriod && AtFirstRow();
   if (headed && !PrintPayPeriodInfo()) return false;
-  for (const MatrixColumn& column : ColumnsOfPeriod()) {
+  const auto period = static_cast<std::size_t>(ExcelRptLayoutQry.RowIndex());
+  if (period == columns_.size()) columns_.push_back(ColumnsOfPeriod());
+  for (const MatrixColumn& column : columns_[period]) {
     if (!PrintCell(column) || !FormatCell()) return false;
     ++current_col_;
   }
@@ -136,46 +141,48 @@ bool MatrixLayout::PrintPeriod() {
 }
 
 bool MatrixLayout::PrintCell(const MatrixColumn& column) {
-  const std::string type = RowText("FinRowItemType");
-  if (type == item_type::kAnalysis) return PrintAnalysisCell(column);
-  if (type == item_type::kCalculated) {
-    cells_.WriteFormula(current_row_, current_col_,
-                        formulas_.DecodeRowExcelFormula(RowText("FinRowExcelFormula"), AllFormulaQry,
-                                                        current_cell_, current_col_));
+  const KnownColumnItem& item = CurrentRow();
+  if (item.type == item_type::kAnalysis) return PrintAnalysisCell(column);
+  if (item.type == item_type::kCalculated) {
+    cells_.WriteFormula(
+        current_row_, current_col_,
+        formulas_.DecodeRowExcelFormula(item.formula, AllFormulaQry, current_cell_, current_col_));
     if (matrix_.formats_formulas) cells_.WriteAmountFormat(current_row_, current_col_);
-  } else if (type == item_type::kBlank) {
+  } else if (item.type == item_type::kBlank) {
     cells_.WriteText(current_row_, current_col_, "");
   }
   return true;
 }
 
 bool MatrixLayout::PrintAnalysisCell(const MatrixColumn& column) {
-  const std::string grouping = RowText("FinRowGrouping");
-  const std::string component = RowText("FinRowComponent");
-  const bool bank = grouping == kBankRecordGrouping;
-  const BankColumn* bank_column = bank ? FindBankColumn(component) : nullptr;
-  ValueColumn value;
-  if (bank_column != nullptr) {
-    value = BankValue(*bank_column, column.map_column);
-  } else if (!ReadValueColumn(grouping, component, Where("PrintRowFinancialData"), value,
-                              column.map_column)) {
-    return false;
+  KnownColumnItem& item = CurrentRow();
+  if (item.grouping == kBankRecordGrouping) {
+    if (const BankColumn* bank_column = FindBankColumn(item.component)) {
+      PrintFound(column, BankValue(*bank_column, column.map_column));
+      return true;
+    }
   }
+  const ValueColumn* const value = ValueColumnOf(item, Where("PrintRowFinancialData"), column.map_column);
+  if (value != nullptr) PrintFound(column, *value);
+  return value != nullptr;
+}
+
+void MatrixLayout::PrintFound(const MatrixColumn& column, const ValueColumn& value) {
+  const std::string& grouping = CurrentRow().grouping;
   // A component without such a value (a rate has no variance) maps to no column: a blank.
   const bool found = !value.column.empty() && lookup_.Locate(column.period, ItemId(), grouping, grouping);
-  bank ? PrintBankValue(found, value, current_row_, current_col_)
-       : PrintValue(found, value, current_row_, current_col_);
-  return true;
+  grouping == kBankRecordGrouping ? PrintBankValue(found, value, current_row_, current_col_)
+                                  : PrintValue(found, value, current_row_, current_col_);
 }
 
 std::string MatrixLayout::ItemId() const {
-  const std::string grouping = RowText("FinRowGrouping");
-  if (grouping == kBankRecordGrouping) return BankPaymentCategory(RowText("FinRowItem"));
+  const KnownColumnItem& item = CurrentRow();
+  if (item.grouping == kBankRecordGrouping) return BankPaymentCategory(item.item);
   const auto& by_component = matrix_.component_groupings;
-  if (std::find(by_component.begin(), by_component.end(), grouping) != by_component.end()) {
-    return RowText("FinRowComponent");
+  if (std::find(by_component.begin(), by_component.end(), item.grouping) != by_component.end()) {
+    return item.component;
   }
-  return IsAllItems() ? Text(AllFormulaQry, "AnlysItem1Id") : RowText("FinRowItem");
+  return IsAllItems() ? Text(AllFormulaQry, "AnlysItem1Id") : item.item;
 }
 
 bool MatrixLayout::PrintSummary(int first_period_col) {
@@ -183,7 +190,7 @@ bool MatrixLayout::PrintSummary(int first_period_col) {
                                          Where("PrintRowFinancialData"))) {
     return false;
   }
-  if (RowText("FinRowItemType") != item_type::kBlank) {
+  if (CurrentRow().type != item_type::kBlank) {
     const std::string first = GetCellName(current_row_, first_period_col);
     const std::string last = GetCellName(current_row_, current_col_ - 1);
     cells_.WriteFormula(current_row_, current_col_, matrix_.summary.formula(first, last));
@@ -195,7 +202,7 @@ bool MatrixLayout::PrintSummary(int first_period_col) {
 }
 
 bool MatrixLayout::FormatCell() {
-  return cells_.Format(RowText("ColourSchemeId"), current_row_, current_col_, Where("PrintRowFinancialData"));
+  return cells_.Format(CurrentRow(), current_row_, current_col_, Where("PrintRowFinancialData"));
 }
 
 std::vector<MatrixColumn> MatrixLayout::ColumnsOfPeriod() {
@@ -225,14 +232,14 @@ bool MatrixLayout::AnlysItemRecLocate(int year, int period_month, int sub_period
                                       const std::string& pay_rec_basis, const std::string& item_id,
                                       const std::string& item_type_id) {
   return lookup_.Locate({year, period_month, sub_period, pay_rec_basis}, item_id, item_type_id,
-                        RowText("FinRowGrouping"));
+                        CurrentRow().grouping);
 }
 
 bool MatrixLayout::AnlysItemRecLocateCSS(int year, int period_month, int sub_period,
                                          const std::string& pay_rec_basis, const std::string& item_id,
                                          const std::string& item_type_id, const std::string& country) {
   return lookup_.LocateCSS({year, period_month, sub_period, pay_rec_basis}, item_id, item_type_id, country,
-                           RowText("FinRowGrouping"));
+                           CurrentRow().grouping);
 }
 
 }  // namespace excelexp

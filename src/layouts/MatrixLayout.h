@@ -106,14 +106,21 @@ class MatrixLayout : public FinancialLayout {
   bool PrintPeriod();
   bool PrintCell(const MatrixColumn& column);
   bool PrintAnalysisCell(const MatrixColumn& column);
+  void PrintFound(const MatrixColumn& column, const ValueColumn& value);
   bool PrintSummary(int first_period_col);
   bool FormatCell();
 
-  std::string RowText(std::string_view field) const { return Text(FinanceRowItemQry, field); }
+  /// The row item that FinanceRowItemQry stands on.
+  KnownColumnItem& CurrentRow() const {
+    return (*row_items_)[static_cast<std::size_t>(FinanceRowItemQry.RowIndex())];
+  }
   bool IsAllItems() const;
   std::string ItemId() const;
   /// True for the row that carries the headings of the whole sheet.
   bool AtFirstRow() const { return AtFirstEntity() && current_row_ == core_->StartPrintedRow; }
+
+  std::shared_ptr<std::vector<KnownColumnItem>> row_items_;  // of the rows of FinanceRowItemQry
+  std::vector<std::vector<MatrixColumn>> columns_;           // of each period, once a row has asked
 };
 
 }  // namespace excelexp

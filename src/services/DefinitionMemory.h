@@ -57,7 +57,8 @@ struct ValueColumn {
 
 struct AccumulatedRanges;  // of the layout that sums over them
 
-/// A column item of a report, and what its cells ask for again and again, once the first cell has asked.
+/// A column item of a report, or a row item, which has the same parts, and what its cells ask for again and
+/// again, once the first cell has asked.
 struct KnownColumnItem {
   std::string type;
   std::string item;
@@ -69,8 +70,8 @@ struct KnownColumnItem {
   std::string select;      ///< of an entity's field: its item of a select list
   std::string field_type;  ///< of an entity's field
   std::shared_ptr<SchemeSet> schemes;
-  std::optional<PreparedStyle> style;  ///< of its scheme, once a cell was formatted by it
-  std::optional<ValueColumn> value;
+  std::optional<PreparedStyle> style;                      ///< of its scheme, once a cell was formatted by it
+  std::map<std::string, ValueColumn, std::less<>> values;  ///< by the column of AnItemLookup that names them
   std::shared_ptr<AccumulatedRanges> ranges;
 };
 
