@@ -117,7 +117,7 @@ bool BExcelExpEngAccumulatedListRpt::OpenDataRanges(std::shared_ptr<AccumulatedR
 }
 
 std::vector<AccumulatedRange> BExcelExpEngAccumulatedListRpt::ReadRanges(Query& rows, bool chosen) const {
-  const bool expands = chosen && FindAllBases(cycle_sub_group_by_) != nullptr;
+  const bool expands = chosen && FindAllBases(project_.cycle_sub_group_by) != nullptr;
   const auto number = [&rows](std::string_view field) { return rows.FieldByName(field).AsInteger(); };
   std::vector<AccumulatedRange> ranges;
   for (rows.First(); !rows.Eof(); rows.Next()) {
@@ -162,7 +162,7 @@ bool BExcelExpEngAccumulatedListRpt::PrintRangeTitle(const ColumnWalk& walk, con
 }
 
 bool BExcelExpEngAccumulatedListRpt::ReadKeys(AccumulatedRange& range) {
-  const AllBases* all = FindAllBases(cycle_sub_group_by_);
+  const AllBases* all = FindAllBases(project_.cycle_sub_group_by);
   const std::string name(all->name);
   if (!core_->ExecuteSQL(std::string(all->sql))) {
     return Fail(WalkWhere(kWalk), "Error in getting " + name + " Information.");
@@ -211,16 +211,16 @@ std::string BExcelExpEngAccumulatedListRpt::RangeText(const PeriodKey& range) co
   const std::string in_year = "Yr " + std::to_string(year);
   const std::string in_period = in_year + " Pd " + std::to_string(period);
   std::string text;
-  if (cycle_group_by_ == "CalenGrpYr" || cycle_group_by_ == "PeriodGrpYr") {
+  if (project_.cycle_group_by == "CalenGrpYr" || project_.cycle_group_by == "PeriodGrpYr") {
     text = in_year;
-  } else if (cycle_group_by_ == "CalenGrpMth") {
+  } else if (project_.cycle_group_by == "CalenGrpMth") {
     text = ShortMonth(year, period) + " " + std::to_string(year);
-  } else if (cycle_group_by_ == "PeriodGrpPd") {
+  } else if (project_.cycle_group_by == "PeriodGrpPd") {
     text = in_period;
-  } else if (cycle_group_by_ == "PeriodGrpSubPeriod") {
+  } else if (project_.cycle_group_by == "PeriodGrpSubPeriod") {
     text = in_period + " SP " + std::to_string(range.sub_period);
   }
-  if (FindAllBases(cycle_sub_group_by_) == nullptr) return text;
+  if (FindAllBases(project_.cycle_sub_group_by) == nullptr) return text;
   return text + " " + (range.pay_record_basis.empty() ? "ALL" : range.pay_record_basis);
 }
 

@@ -45,8 +45,8 @@ bool BExcelExpEngBreakdownListRpt::ExecuteOperation() {
 }
 
 bool BExcelExpEngBreakdownListRpt::PrintBlock() {
-  const bool pay_records = project_sub_type_ == project_sub_type::kPayRecord ||
-                           project_sub_type_ == project_sub_type::kLeaveSummary;
+  const bool pay_records = project_.sub_type == project_sub_type::kPayRecord ||
+                           project_.sub_type == project_sub_type::kLeaveSummary;
   return pay_records ? PrintPayRecInfo() : PrintTimeSheetInfo();
 }
 
@@ -117,8 +117,8 @@ int BExcelExpEngBreakdownListRpt::GetNoOfMergeCells() {
 }
 
 bool BExcelExpEngBreakdownListRpt::CountColumns(int& width) {
-  width = project_sub_type_ == project_sub_type::kTimesheetSummary  ? 1
-          : project_sub_type_ == project_sub_type::kTimesheetRecord ? 2
+  width = project_.sub_type == project_sub_type::kTimesheetSummary  ? 1
+          : project_.sub_type == project_sub_type::kTimesheetRecord ? 2
                                                                     : 0;
   for (FinanceColItemQry.First(); !FinanceColItemQry.Eof(); FinanceColItemQry.Next()) {
     if (Text(FinanceColItemQry, "FinColItemType") != item_type::kAnalysis ||
@@ -142,8 +142,8 @@ bool BExcelExpEngBreakdownListRpt::PrintPayPeriodInfo() {
   if (!cells_.OpenTitleScheme(where) || !ReadCycle(where)) return false;
 
   return PrintHeading(current_row_ - 5, YearText(period_.year), width) &&
-         PrintHeading(current_row_ - 4, PeriodText(cycle_group_by_, period_.year, period_.period_month),
-                      width) &&
+         PrintHeading(current_row_ - 4,
+                      PeriodText(project_.cycle_group_by, period_.year, period_.period_month), width) &&
          PrintHeading(current_row_ - 3, SubPeriodText(period_.sub_period), width) &&
          PrintHeading(current_row_ - 2, period_.pay_record_basis, width);
 }
@@ -188,7 +188,7 @@ bool BExcelExpEngBreakdownListRpt::PrintTimesheetData() {
     return TimesheetBasisQry.RowCount() == 0 ? "" : Text(TimesheetBasisQry, column);
   };
   if (!PrintTimesheetKey("Job Code", value(FirstPairColumn()))) return false;
-  return project_sub_type_ != project_sub_type::kTimesheetRecord ||
+  return project_.sub_type != project_sub_type::kTimesheetRecord ||
          PrintTimesheetKey("Date", FGetInValidDate(value(SecondPairColumn())));
 }
 

@@ -29,7 +29,7 @@ bool BExcelExpEngLeaveListPeriodRpt::PrintPayPeriodInfo() {
   if (!ReadGroupTexts()) return false;
   const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   if (new_period_ && !(PrintText(0, YearText(period.year)) &&
-                       PrintText(1, PeriodText(cycle_group_by_, period.year, period.period_month)) &&
+                       PrintText(1, PeriodText(project_.cycle_group_by, period.year, period.period_month)) &&
                        PrintText(2, SubPeriodText(period.sub_period)))) {
     return false;
   }

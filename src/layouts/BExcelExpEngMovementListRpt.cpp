@@ -95,11 +95,12 @@ std::string BExcelExpEngMovementListRpt::HeadingText() const {
   const auto month = [](int of_year, int number) {
     return FormatDateTime("mmmm yyyy", EncodeDate(of_year, number, 1));
   };
-  if (cycle_group_by_ == "CalenGrpYr") {
+  if (project_.cycle_group_by == "CalenGrpYr") {
     const std::string start = period == 12 ? month(year, 1) : month(year - 1, period + 1);
     return "Staff Movement Report for Year, from " + start + " to " + month(year, period);
   }
-  return cycle_group_by_ == "CalenGrpMth" ? "Staff Movement Report for Month " + month(year, period) : "";
+  return project_.cycle_group_by == "CalenGrpMth" ? "Staff Movement Report for Month " + month(year, period)
+                                                  : "";
 }
 
 bool BExcelExpEngMovementListRpt::PrintFinancialData() {

@@ -89,7 +89,7 @@ bool BExcelExpEngPayReconRpt::PrintPayPeriodInfo() {
   };
   const int year = option("WSItemToYear");
   const int period = option("WSItemToMthPeriod");
-  const std::string period_text = PeriodText(cycle_group_by_, year, period);
+  const std::string period_text = PeriodText(project_.cycle_group_by, year, period);
   if (!period_text.empty()) {
     current_label_ = PeriodLabel(year, period);
     previous_label_ = PeriodLabel(option("WSItemFromYear"), option("WSItemFromMthPeriod"));
@@ -101,7 +101,7 @@ bool BExcelExpEngPayReconRpt::PrintPayPeriodInfo() {
 }
 
 std::string BExcelExpEngPayReconRpt::PeriodLabel(int year, int period) const {
-  const std::string text = PeriodText(cycle_group_by_, year, period);
+  const std::string text = PeriodText(project_.cycle_group_by, year, period);
   return text.empty() ? YearText(year) : YearText(year) + " " + text;
 }
 

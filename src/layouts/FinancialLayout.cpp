@@ -40,26 +40,36 @@ bool FinancialLayout::Fail(const OperationName& where, std::string_view text) {
 }
 
 bool FinancialLayout::ReadReport() {
+  const std::string question = Joined({core_->DatabaseName, "\n", core_->ExcelWSItemRptId});
+  if (const std::string* known = core_->Memory->report_projects.Find(question)) {
+    project_id_ = *known;
+    return true;
+  }
   const OperationName where = Where("ExecuteOperation");
   if (!core_->ExecuteSQL(
           Joined({"SELECT * FROM FinancialRpt WHERE FinancialRptId = ", SqlText(core_->ExcelWSItemRptId)}))) {
     return Fail(where, "Error in getting Financial Report Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Financial Report Information.");
-  project_id_ = Text(*core_->SQLQry, "FinancialAnalysProjId");
+  project_id_ = core_->Memory->report_projects.Keep(question, Text(*core_->SQLQry, "FinancialAnalysProjId"));
   return true;
 }
 
 bool FinancialLayout::ReadProject() {
+  const std::string question = Joined({core_->DatabaseName, "\n", project_id_});
+  if (const KnownProject* known = core_->Memory->projects.Find(question)) {
+    project_ = *known;
+    return true;
+  }
   const OperationName where = Where("ExecuteOperation");
   if (!core_->ExecuteSQL(
           Joined({"SELECT * FROM AnlysProject WHERE AnlysProjectId = ", SqlText(project_id_)}))) {
     return Fail(where, "Error in getting Analysis Project Information.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Information.");
-  project_sub_type_ = Text(*core_->SQLQry, "AnlysProjectSubType");
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
-  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  const auto text = [this](std::string_view field) { return Text(*core_->SQLQry, field); };
+  project_ = core_->Memory->projects.Keep(
+      question, {text("AnlysProjectSubType"), text("CycleGroupBy"), text("CycleSubGroupBy")});
   return true;
 }
 
@@ -69,8 +79,8 @@ bool FinancialLayout::ReadCycle(const OperationName& where) {
     return Fail(where, "Unable to get Analysis Project Details.");
   }
   if (core_->SQLQry->RowCount() == 0) return Fail(where, "Empty Analysis Project Details.");
-  cycle_group_by_ = Text(*core_->SQLQry, "CycleGroupBy");
-  cycle_sub_group_by_ = Text(*core_->SQLQry, "CycleSubGroupBy");
+  project_.cycle_group_by = Text(*core_->SQLQry, "CycleGroupBy");
+  project_.cycle_sub_group_by = Text(*core_->SQLQry, "CycleSubGroupBy");
   return true;
 }
 

@@ -49,8 +49,8 @@ class FinancialLayout : public ReportLayout {
   bool Fail(const OperationName& where, std::string_view text);
 
   bool ReadReport();   ///< fills project_id_
-  bool ReadProject();  ///< fills the project's facts
-  /// Reads how the project's periods are called, for headings: cycle_group_by_ and cycle_sub_group_by_.
+  bool ReadProject();  ///< fills project_
+  /// Reads how the project's periods are called, for headings, into project_.
   bool ReadCycle(const OperationName& where);
   bool OpenRecords();
   /// The conditions on the entity's basis ids, with leading blanks.
@@ -120,9 +120,7 @@ class FinancialLayout : public ReportLayout {
   AnalysisRecordLookup lookup_;
 
   std::string project_id_;
-  std::string project_sub_type_;
-  std::string cycle_group_by_;
-  std::string cycle_sub_group_by_;
+  KnownProject project_;
   int current_row_ = 1;
   int current_col_ = 1;
   std::string current_cell_;

@@ -223,7 +223,7 @@ bool MatrixLayout::PrintPayPeriodInfo() {
   const PeriodKey period = PeriodOf(ExcelRptLayoutQry);
   const int row = core_->StartPrintedRow;
   return PrintHeading(row - 5, YearText(period.year)) &&
-         PrintHeading(row - 4, PeriodText(cycle_group_by_, period.year, period.period_month)) &&
+         PrintHeading(row - 4, PeriodText(project_.cycle_group_by, period.year, period.period_month)) &&
          PrintHeading(row - 3, SubPeriodText(period.sub_period)) &&
          PrintHeading(row - 2, period.pay_record_basis);
 }

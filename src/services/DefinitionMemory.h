@@ -55,6 +55,13 @@ struct ValueColumn {
   std::string type;
 };
 
+/// What the layouts ask of an analysis project.
+struct KnownProject {
+  std::string sub_type;
+  std::string cycle_group_by;
+  std::string cycle_sub_group_by;
+};
+
 struct AccumulatedRanges;  // of the layout that sums over them
 
 /// A column item of a report, or a row item, which has the same parts, and what its cells ask for again and
@@ -86,6 +93,8 @@ struct InformationReport {
 struct DefinitionMemory {
   Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
   Remembered<ValueColumn> value_columns;               ///< by grouping, component and column, one a line
+  Remembered<std::string> report_projects;             ///< by database and report
+  Remembered<KnownProject> projects;                   ///< by database and id
   Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< see ItemsOf
   Remembered<std::shared_ptr<InformationReport>>
       information_reports;  ///< by layout, database, title scheme, id
