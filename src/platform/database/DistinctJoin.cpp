@@ -223,7 +223,8 @@ std::vector<PlanStep> WithEveryRow(std::vector<PlanStep> plan, const std::string
   return plan;
 }
 
-bool FindsRowsAlike(const std::vector<PlanStep>& plan, const std::vector<PlanStep>& rewritten) {
+/// Whether the plans are the same but for the numbers of subselects.
+bool SamePlan(const std::vector<PlanStep>& plan, const std::vector<PlanStep>& rewritten) {
   return std::ranges::equal(plan, rewritten, [](const PlanStep& left, const PlanStep& right) {
     return left.depth == right.depth && WithoutNumber(left.text) == WithoutNumber(right.text);
   });
@@ -238,7 +239,7 @@ std::optional<std::string> Rewritten(const SqliteConnection& connection, const s
     const bool held = ReadingOfHeld(plan, table) != plan.end();
     std::string rewritten = held ? statement.WithEachOnce() : statement.Rewritten();
     const std::vector<PlanStep> other = PlanOf(connection, rewritten);
-    if (FindsRowsAlike(plan, held ? WithEveryRow(other, table) : WithDistinctInPlace(other, table)))
+    if (SamePlan(plan, held ? WithEveryRow(other, table) : WithDistinctInPlace(other, table)))
       return rewritten;
   } catch (const DatabaseError&) {
     // Of the statement as it is the caller will be told what is wrong.

@@ -228,8 +228,9 @@ bool IsUnique(const United& united, const SqliteConnection& connection) {
   return connection.Step(indexes.get(), sql);
 }
 
-bool FindsRowsAlike(const UnionFilter& filter, const std::vector<PlanStep>& plan,
-                    const SqliteConnection& connection) {
+/// Whether the statement in branches finds the same rows, and joins the other tables in the same way.
+bool MayBranch(const UnionFilter& filter, const std::vector<PlanStep>& plan,
+               const SqliteConnection& connection) {
   const std::vector<United>& united = filter.AllUnited();
   const auto is_unique = [&](const United& each) { return IsUnique(each, connection); };
   if (!filter.CanBranch() || !std::ranges::all_of(united, is_unique)) return false;
@@ -246,7 +247,7 @@ std::string FilterWhatIsUnited(const std::string& sql, const SqliteConnection& c
   if (filter.AllUnited().empty()) return sql;
   try {
     const std::vector<PlanStep> plan = PlanOf(connection, sql);
-    if (FindsRowsAlike(filter, plan, connection)) return filter.InBranches();
+    if (MayBranch(filter, plan, connection)) return filter.InBranches();
     std::string searched = filter.Searched();
     if (WithTablesRead(PlanOf(connection, searched), filter.AllUnited()) == plan) return searched;
   } catch (const DatabaseError&) {
