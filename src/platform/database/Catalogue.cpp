@@ -168,11 +168,11 @@ void Catalogue::FillSystemTables(std::string_view sql) {
   };
   for (int table_id = 1; connection_.Step(tables.get(), kTablesSql); ++table_id) {
     const std::string name = TextAt(tables.get(), 0);
+    if (only && !tables_to_fill.contains(FoldName(name))) continue;
     sqlite3_bind_int(insert_table.get(), 1, table_id);
     BindText(insert_table.get(), 2, name);
     BindText(insert_table.get(), 3, TextAt(tables.get(), 1));
     insert(insert_table, kInsertTable);
-    if (only && !tables_to_fill.contains(FoldName(name))) continue;
     int column_id = 0;
     for (const TableShape::Column& column : ReadColumns({name, "main"})) {
       sqlite3_bind_int(insert_column.get(), 1, table_id);
