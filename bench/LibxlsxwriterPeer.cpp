@@ -85,7 +85,7 @@ LibxlsxwriterPeer::Page LibxlsxwriterPeer::PageOf(const Workbook& workbook, cons
           value.text = workbook.Text(cell.text);
           break;
         case CellType::kFormula:
-          value.text = workbook.FormulaAt(cell.formula).text;
+          value.text = workbook.FormulaAt(cell.formula).Text();
           value.number = workbook.FormulaAt(cell.formula).result.number;
       }
       page.values.push_back(std::move(value));

@@ -130,7 +130,7 @@ std::string CellJson(const Workbook& workbook, int row, int column, const Cell& 
   json.Add(std::to_string(column));
   json.Add(Quoted(shown.kind));
   json.Add(shown.value);
-  json.Add(cell.type == CellType::kFormula ? Quoted(workbook.FormulaAt(cell.formula).text) : "null");
+  json.Add(cell.type == CellType::kFormula ? Quoted(workbook.FormulaAt(cell.formula).Text()) : "null");
   json.Add(std::to_string(cell.format));
   return json.Json();
 }

@@ -10,7 +10,6 @@
 #include "platform/spreadsheet/WorkbookFile.h"
 #include "platform/spreadsheet/formula/Expression.h"
 #include "platform/spreadsheet/formula/Recalculate.h"
-#include "platform/spreadsheet/formula/RelativeText.h"
 
 namespace excelexp {
 namespace {
@@ -157,17 +156,7 @@ double NumberWithin(const Variant& value, const Target& target, const char* what
 
 Formula MakeFormula(const Target& target, const std::string& text) {
   try {
-    const CellRange& cell = target.range;
-    std::optional<std::string> relative = formula::RelativeText(text, cell.first_row, cell.first_col);
-    Formula formula =
-        relative ? target.workbook.SharedFormula(*relative, cell.first_row, cell.first_col) : Formula();
-    if (formula.expression == nullptr) {
-      formula.expression = formula::Parse(text);
-      if (relative)
-        target.workbook.ShareFormula(*std::move(relative), formula, cell.first_row, cell.first_col);
-    }
-    formula.text = text.starts_with('=') ? text : "=" + text;
-    return formula;
+    return target.workbook.MakeFormula(text, target.range.first_row, target.range.first_col);
   } catch (const formula::ParseError& error) {
     Fail(target,
          "the formula cannot be read at character " + std::to_string(error.Position()) + ": " + error.what());
@@ -175,10 +164,10 @@ Formula MakeFormula(const Target& target, const std::string& text) {
 }
 
 Formula MovedFormula(const Formula& formula, int rows, int columns) {
-  Formula moved;
-  moved.expression = formula::Moved(*formula::ExpressionOf(formula), rows, columns);
-  moved.text = "=" + formula::Print(*moved.expression);
-  return moved;
+  std::shared_ptr<const formula::Expression> moved =
+      formula::Moved(*formula::ExpressionOf(formula), rows, columns);
+  std::string text = "=" + formula::Print(*moved);
+  return {std::move(text), std::move(moved)};
 }
 
 void Merge(const Target& target) {

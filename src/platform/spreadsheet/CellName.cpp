@@ -48,6 +48,12 @@ std::string ColumnLetters(int column) {
   return std::string(PutLetters(end, column), end);
 }
 
+char* WriteColumnLetters(char* at, int column) {
+  char buffer[8];
+  char* const end = buffer + sizeof buffer;
+  return std::copy(PutLetters(end, column), end, at);
+}
+
 std::string GetCellName(int row, int column) {
   if (row < 1 || row > Workbook::kMaxRows || column < 1 || column > kLastNamedColumn) return {};
   char buffer[16];

@@ -26,6 +26,8 @@ std::string GetCellName(int row, int column);
 
 /// The letters of a column, "A" for 1; for any column from 1 to 16,384.
 std::string ColumnLetters(int column);
+/// Writes them at `at` and returns where they end.
+char* WriteColumnLetters(char* at, int column);
 
 /// Reads "B7" or "B7:D9" (in any corner order, `$` allowed); nothing for any other text.
 std::optional<CellRange> ParseRange(std::string_view range);

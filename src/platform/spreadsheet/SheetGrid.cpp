@@ -65,7 +65,7 @@ std::string CellShown(const Workbook& workbook, const Cell* cell, bool formulas)
       return TextShown(workbook.Text(cell->text));
     case CellType::kFormula: {
       const Formula& formula = workbook.FormulaAt(cell->formula);
-      return formulas ? formula.text + " -> " + ResultShown(formula.result) : ResultShown(formula.result);
+      return formulas ? formula.Text() + " -> " + ResultShown(formula.result) : ResultShown(formula.result);
     }
   }
   return "";

@@ -7,18 +7,14 @@
 #include <bit>
 #include <deque>
 #include <functional>
-#include <unordered_map>
 
 #include "platform/spreadsheet/FormatChange.h"
 #include "platform/spreadsheet/InternPool.h"
 #include "platform/spreadsheet/Utf8.h"
+#include "platform/spreadsheet/formula/SharedFormulas.h"
 
 namespace excelexp {
 namespace {
-
-// A report has some dozens of formulas that differ by more than their places; totals of many ranges are all
-// different and not worth remembering.
-constexpr std::size_t kMostShared = 4096;
 
 gunichar Folded(char32_t character) {
   return g_unichar_tolower(g_unichar_toupper(character));
@@ -63,6 +59,22 @@ bool SameSheetName(std::string_view a, std::string_view b) {
     if (left != right && Folded(left) != Folded(right)) return false;
   }
   return a.empty() && b.empty();
+}
+
+Formula::Formula(std::shared_ptr<const formula::FormulaSource> said, formula::Moves moved)
+    : source(std::move(said)), moves(moved) {}
+
+Formula::Formula(std::string text, std::shared_ptr<const formula::Expression> expression, FormulaResult shown)
+    : source(std::make_shared<formula::FormulaSource>(
+          formula::FormulaSource{std::move(expression), formula::FormulaText(std::move(text))})),
+      result(std::move(shown)) {}
+
+std::string Formula::Text() const {
+  return source->text.Moved(moves);
+}
+
+const std::shared_ptr<const formula::Expression>& Formula::SharedExpression() const {
+  return source->expression;
 }
 
 const Cell* Sheet::Find(int row, int column) const {
@@ -113,17 +125,6 @@ struct Transition {
   FormatId to = 0;
 };
 
-/// An expression and the cell it was parsed for.
-struct SharedExpression {
-  std::shared_ptr<const formula::Expression> expression;
-  int row;
-  int column;
-};
-
-struct TransparentTextHash : TextHash {
-  using is_transparent = void;
-};
-
 struct Workbook::Pools {
   InternPool<std::string, TextHash> texts;
   InternPool<std::string, TextHash> names;
@@ -132,8 +133,7 @@ struct Workbook::Pools {
   InternPool<CellFormat, CellFormatHash> formats;
   std::deque<std::vector<FormatChange>> changes;
   std::deque<Formula> formulas;
-  std::unordered_map<std::string, SharedExpression, TransparentTextHash, std::equal_to<>>
-      shared;  // by relative text
+  formula::SharedFormulas shared_formulas;
 };
 
 Workbook::Workbook() : pools_(std::make_unique<Pools>()) {
@@ -199,18 +199,8 @@ const std::vector<FormatChange>& Workbook::Changes(std::uint32_t index) const {
   return pools_->changes[index];
 }
 
-Formula Workbook::SharedFormula(std::string_view relative_text, int row, int column) const {
-  Formula formula;
-  const auto known = pools_->shared.find(relative_text);
-  if (known == pools_->shared.end()) return formula;
-  formula.expression = known->second.expression;
-  formula.moves = {row - known->second.row, column - known->second.column};
-  return formula;
-}
-
-void Workbook::ShareFormula(std::string relative_text, const Formula& formula, int row, int column) {
-  if (pools_->shared.size() >= kMostShared) return;
-  pools_->shared.emplace(std::move(relative_text), SharedExpression{formula.expression, row, column});
+Formula Workbook::MakeFormula(std::string_view text, int row, int column) {
+  return pools_->shared_formulas.Make(text, row, column);
 }
 
 std::uint32_t Workbook::AddFormula(Formula formula) {

@@ -15,6 +15,7 @@ namespace excelexp {
 struct FormatChange;
 namespace formula {
 class Expression;
+struct FormulaSource;
 
 /// How far the relative references of a shared expression are to be moved.
 struct Moves {
@@ -97,13 +98,20 @@ struct FormulaResult {
   ErrorCode error = ErrorCode::kNull;
 };
 
+/// A formula in a cell. Formulas that say the same of different cells share their source.
 struct Formula {
-  std::string text;  ///< as given, with the leading "="
-  /// The parsed text. Formulas that say the same of different cells share one: its relative references are to
-  /// be moved by so many rows and columns (formula::ExpressionOf).
-  std::shared_ptr<const formula::Expression> expression;
-  FormulaResult result = {};
+  /// Says what `source` says, with its relative references moved.
+  Formula(std::shared_ptr<const formula::FormulaSource> said, formula::Moves moved);
+  /// With a source of its own; `text` with the leading "=", `expression` may be nullptr.
+  Formula(std::string text, std::shared_ptr<const formula::Expression> expression, FormulaResult shown = {});
+
+  std::string Text() const;  ///< as given, with the leading "="
+  /// The parsed text, before it is moved (formula::ExpressionOf gives the formula's own).
+  const std::shared_ptr<const formula::Expression>& SharedExpression() const;
+
+  std::shared_ptr<const formula::FormulaSource> source;
   formula::Moves moves = {};
+  FormulaResult result = {};
 };
 
 /// Whether two sheet names are the same without regard to case, by Unicode's simple case mappings.
@@ -231,11 +239,8 @@ class Workbook {
   std::uint32_t AddChanges(std::vector<FormatChange> changes);
   const std::vector<FormatChange>& Changes(std::uint32_t index) const;
 
-  /// The expression of a formula that stands in that cell, when one of the same relative text is known, and
-  /// the moves to it; else an empty formula.
-  Formula SharedFormula(std::string_view relative_text, int row, int column) const;
-  void ShareFormula(std::string relative_text, const Formula& formula, int row, int column);
-
+  /// A formula for a cell, `text` with or without the leading "="; it is not added yet. Throws ParseError.
+  Formula MakeFormula(std::string_view text, int row, int column);
   std::uint32_t AddFormula(Formula formula);
   Formula& FormulaAt(std::uint32_t index);
   const Formula& FormulaAt(std::uint32_t index) const;

@@ -129,7 +129,7 @@ TEST_F(BExcelApi, FormulasMoveAlongABlock) {
   for (int row = 2; row <= 3; ++row) {
     for (int column = 3; column <= 4; ++column) {
       ASSERT_EQ(At(row, column).type, CellType::kFormula);
-      EXPECT_EQ(Book().FormulaAt(At(row, column).formula).text, expected[i++]);
+      EXPECT_EQ(Book().FormulaAt(At(row, column).formula).Text(), expected[i++]);
     }
   }
   ExpectError([&] { api_.FormulaOnRange(workbook_, "Pay", "B7", "=SUM(A1,"); },

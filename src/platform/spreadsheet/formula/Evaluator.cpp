@@ -245,7 +245,7 @@ Value Evaluator::ReadCell(const Cell& cell) {
 
 bool Evaluator::IsSubtotal(const Cell& cell) const {
   if (cell.type != CellType::kFormula) return false;
-  const std::shared_ptr<const Expression>& expression = workbook_.FormulaAt(cell.formula).expression;
+  const std::shared_ptr<const Expression>& expression = workbook_.FormulaAt(cell.formula).SharedExpression();
   return expression != nullptr && CallsSubtotal(expression->Root());
 }
 

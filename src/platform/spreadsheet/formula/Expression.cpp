@@ -93,8 +93,8 @@ std::shared_ptr<const Expression> Moved(const Expression& expression, int rows, 
 }
 
 std::shared_ptr<const Expression> ExpressionOf(const Formula& formula) {
-  return formula.moves.Any() ? Moved(*formula.expression, formula.moves.rows, formula.moves.columns)
-                             : formula.expression;
+  const std::shared_ptr<const Expression>& shared = formula.SharedExpression();
+  return formula.moves.Any() ? Moved(*shared, formula.moves.rows, formula.moves.columns) : shared;
 }
 
 }  // namespace excelexp::formula

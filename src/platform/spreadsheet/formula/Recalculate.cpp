@@ -70,10 +70,10 @@ class Recalculation : public ResultSource {
 
   void Try(std::uint32_t formula) {
     const Formula& computed = workbook_.FormulaAt(formula);
-    if (computed.expression == nullptr) return Finish(formula, {});
+    if (computed.SharedExpression() == nullptr) return Finish(formula, {});
     missing_.clear();
     std::optional<FormulaResult> result =
-        evaluator_.Run(*computed.expression, places_[formula], computed.moves);
+        evaluator_.Run(*computed.SharedExpression(), places_[formula], computed.moves);
     if (result) return Finish(formula, std::move(*result));
     for (const std::uint32_t needed : missing_) {
       if (states_[needed] == State::kWaiting) return BreakCycle(needed);

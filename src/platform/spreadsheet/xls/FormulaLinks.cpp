@@ -61,9 +61,9 @@ void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& posi
   const Formula& formula = workbook_.FormulaAt(cell.formula);
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
-    if (Fits(formula.expression)) {
+    if (Fits(formula.SharedExpression())) {
       if (!last_template_) {
-        last_template_.emplace(*formula.expression, *this, formula::FormulaPlace::kCell);
+        last_template_.emplace(*formula.SharedExpression(), *this, formula::FormulaPlace::kCell);
       }
       tokens_[cell.formula] = last_template_->Tokens(formula.moves);
       return;
