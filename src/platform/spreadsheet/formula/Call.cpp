@@ -2,27 +2,27 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
 
 #include "platform/spreadsheet/formula/FunctionTable.h"
 
 namespace excelexp::formula {
 namespace {
 
-using Index = std::unordered_map<const FunctionInfo*, const Implementation*>;
+/// By FunctionNumber.
+using Index = std::vector<const Implementation*>;
 
 Index MakeIndex() {
-  Index index;
+  Index index(FunctionCount());
   for (const auto& family : {LogicFunctions(), MathFunctions(), StatisticFunctions(), ConditionalFunctions(),
                              TextFunctions(), DateFunctions(), LookupFunctions(), InformationFunctions()}) {
-    for (const Implementation& row : family) index.emplace(FindFunction(row.name), &row);
+    for (const Implementation& row : family) index[FunctionNumber(*FindFunction(row.name))] = &row;
   }
   return index;
 }
 
 bool IsBlock(const Value& value) {
   if (value.type == ValueType::kArray) return true;
-  return value.type == ValueType::kReference && !(value.areas.size() == 1 && value.areas[0].IsCell());
+  return value.type == ValueType::kReference && !(value.Areas().size() == 1 && value.Areas()[0].IsCell());
 }
 
 Value CallOnce(const Implementation& function, Call& call) {
@@ -53,10 +53,7 @@ Value CallItemByItem(const Implementation& function, Call& call, Evaluator& eval
       results.items.push_back(CallOnce(function, call));
     }
   }
-  Value value;
-  value.type = ValueType::kArray;
-  value.array = std::make_shared<Array>(std::move(results));
-  return value;
+  return Value::Table(std::move(results));
 }
 
 }  // namespace
@@ -69,10 +66,10 @@ int Call::Whole(std::size_t i) const {
 }
 
 const Area& Call::Cells(std::size_t i) const {
-  const Value& value = values_[i];
+  const Value& value = (*this)[i];
   if (value.IsError()) throw FormulaError{value.error};
-  if (value.type != ValueType::kReference || value.areas.size() != 1) throw FormulaError{ErrorCode::kValue};
-  return value.areas[0];
+  if (value.type != ValueType::kReference || value.Areas().size() != 1) throw FormulaError{ErrorCode::kValue};
+  return value.Areas()[0];
 }
 
 Value Call::EvaluateScalar(std::size_t i) const {
@@ -84,8 +81,7 @@ Value Call::EvaluateScalar(std::size_t i) const {
 
 const Implementation* FindImplementation(const FunctionInfo& function) {
   static const Index index = MakeIndex();
-  const auto found = index.find(&function);
-  return found == index.end() ? nullptr : found->second;
+  return index[FunctionNumber(function)];
 }
 
 Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array) {
@@ -98,10 +94,9 @@ Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array) {
 
   const bool one_value = function->arguments != Arguments::kOperands;
   bool blocks = false;
-  call.Values().reserve(node.children.size());
   for (std::size_t i = 0; i < node.children.size(); ++i) {
     const bool as_array = in_array || info->Argument(i) == OperandClass::kArray;
-    Value& value = call.Values().emplace_back(evaluator.Evaluate(*node.children[i], as_array));
+    Value& value = evaluator.Arguments().emplace_back(evaluator.Evaluate(*node.children[i], as_array));
     blocks = blocks || (one_value && in_array && IsBlock(value));
     if (one_value && !in_array) evaluator.MakeScalar(value);
   }
@@ -112,12 +107,6 @@ Value EvaluateCall(Evaluator& evaluator, const Node& node, bool in_array) {
     for (Value& value : call.Values()) evaluator.MakeScalar(value);
   }
   return CallOnce(*function, call);
-}
-
-void Sum::Add(double number) {
-  const double next = total_ + number;
-  lost_ += std::fabs(total_) >= std::fabs(number) ? (total_ - next) + number : (number - next) + total_;
-  total_ = next;
 }
 
 }  // namespace excelexp::formula

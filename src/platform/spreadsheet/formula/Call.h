@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,8 +15,8 @@ namespace excelexp::formula {
 class Call {
  public:
   Call(Evaluator& evaluator, const Node& node, bool in_array)
-      : evaluator_(evaluator), node_(node), in_array_(in_array), values_(evaluator.OpenList()) {}
-  ~Call() { evaluator_.CloseList(); }
+      : evaluator_(evaluator), node_(node), in_array_(in_array), first_(evaluator.Arguments().size()) {}
+  ~Call() { evaluator_.Arguments().resize(first_); }
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
 
@@ -23,13 +24,13 @@ class Call {
   std::size_t Count() const { return node_.children.size(); }
 
   /// The argument computed beforehand; not for Arguments::kLazy.
-  const Value& operator[](std::size_t i) const { return values_[i]; }
-  std::vector<Value>& Values() { return values_; }
+  const Value& operator[](std::size_t i) const { return evaluator_.Arguments()[first_ + i]; }
+  std::span<Value> Values() const { return std::span(evaluator_.Arguments()).subspan(first_); }
 
-  double Number(std::size_t i) const { return NumberOf(values_[i]); }
+  double Number(std::size_t i) const { return NumberOf((*this)[i]); }
   double Number(std::size_t i, double absent) const { return i < Count() ? Number(i) : absent; }
-  std::string Text(std::size_t i) const { return TextOf(values_[i]); }
-  bool Logical(std::size_t i, bool absent) const { return i < Count() ? LogicalOf(values_[i]) : absent; }
+  std::string Text(std::size_t i) const { return TextOf((*this)[i]); }
+  bool Logical(std::size_t i, bool absent) const { return i < Count() ? LogicalOf((*this)[i]) : absent; }
   /// A number cut to a whole one; #VALUE! outside +-1E9, which no argument of this kind means.
   int Whole(std::size_t i) const;
   int Whole(std::size_t i, int absent) const { return i < Count() ? Whole(i) : absent; }
@@ -45,7 +46,7 @@ class Call {
   Evaluator& evaluator_;
   const Node& node_;
   bool in_array_;
-  std::vector<Value>& values_;
+  std::size_t first_;  ///< of its arguments
 };
 
 /// How the arguments reach an implementation.
@@ -90,9 +91,9 @@ void ForEachNumber(Call& call, std::size_t first, Use use) {
   for (std::size_t i = first; i < call.Count(); ++i) {
     const Value& value = call[i];
     if (value.type == ValueType::kArray) {
-      for (const Value& item : value.array->items) use_item(item);
+      for (const Value& item : value.Items().items) use_item(item);
     } else if (value.type == ValueType::kReference) {
-      for (const Area& area : value.areas) {
+      for (const Area& area : value.Areas()) {
         Evaluator::ForEachCell(area, [&](const Cell& cell, int, int) {
           if (cell.type == CellType::kNumber) return use(cell.number);
           if (cell.type == CellType::kFormula) use_item(evaluator.ReadCell(cell));
@@ -107,7 +108,11 @@ void ForEachNumber(Call& call, std::size_t first, Use use) {
 /// Keeps what rounding takes from a long sum (Neumaier's variant of compensated summation).
 class Sum {
  public:
-  void Add(double number);
+  void Add(double number) {
+    const double next = total_ + number;
+    lost_ += std::fabs(total_) >= std::fabs(number) ? (total_ - next) + number : (number - next) + total_;
+    total_ = next;
+  }
   double Total() const { return total_ + lost_; }
 
  private:

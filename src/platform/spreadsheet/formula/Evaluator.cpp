@@ -28,7 +28,7 @@ Value FromResult(const FormulaResult& result) {
     case FormulaResult::Type::kNumber:
       return Value::Number(result.number);
     case FormulaResult::Type::kText:
-      return Value::Text(result.text);
+      return Value::LastingText(result.text);
     case FormulaResult::Type::kBoolean:
       return Value::Boolean(result.number != 0.0);
     case FormulaResult::Type::kError:
@@ -37,13 +37,6 @@ Value FromResult(const FormulaResult& result) {
       break;
   }
   throw UnknownResult{};
-}
-
-Value WrapArray(Array array) {
-  Value value;
-  value.type = ValueType::kArray;
-  value.array = std::make_shared<Array>(std::move(array));
-  return value;
 }
 
 Array OneItem(Value value) {
@@ -100,7 +93,7 @@ Value Evaluator::Evaluate(const Node& node, bool in_array) {
     case NodeType::kNumber:
       return Value::Number(node.number);
     case NodeType::kText:
-      return Value::Text(node.text);
+      return Value::LastingText(node.text);
     case NodeType::kBoolean:
       return Value::Boolean(node.number != 0.0);
     case NodeType::kError:
@@ -132,15 +125,14 @@ Value Evaluator::EvaluateReference(const Reference& reference) const {
   if (reference.last_sheet.empty()) return Value::Reference({first, cells.range});
   const Sheet* last = workbook_.FindSheet(reference.last_sheet);
   if (last == nullptr) return Value::Error(ErrorCode::kRef);
-  Value value;
-  value.type = ValueType::kReference;
+  std::vector<Area> areas;
   bool inside = false;
   for (const std::unique_ptr<Sheet>& sheet : workbook_.Sheets()) {
     const bool is_end = sheet.get() == first || sheet.get() == last;
-    if (inside || is_end) value.areas.push_back({sheet.get(), cells.range});
+    if (inside || is_end) areas.push_back({sheet.get(), cells.range});
     if (is_end && first != last) inside = !inside;
   }
-  return value;
+  return Value::Union(std::move(areas));
 }
 
 Value Evaluator::EvaluateName(const std::string& name, bool in_array) {
@@ -160,7 +152,7 @@ Value Evaluator::EvaluateUnary(const Node& node, bool in_array) {
   if (operand.IsScalar()) return ApplyUnary(node.op, operand);
   Array array = ToArray(operand);
   for (Value& item : array.items) item = ApplyUnary(node.op, item);
-  return WrapArray(std::move(array));
+  return Value::Table(std::move(array));
 }
 
 Value Evaluator::EvaluateBinary(const Node& node, bool in_array) {
@@ -183,14 +175,14 @@ Value Evaluator::EvaluateBinary(const Node& node, bool in_array) {
       results.items.push_back(ApplyBinary(node.op, lefts.At(row, column), rights.At(row, column)));
     }
   }
-  return WrapArray(std::move(results));
+  return Value::Table(std::move(results));
 }
 
 Value Evaluator::ToScalar(const Value& value) {
   if (value.IsScalar()) return value;
-  if (value.type == ValueType::kArray) return value.array->At(0, 0);
-  if (value.areas.size() != 1) return Value::Error(ErrorCode::kValue);
-  const Area& area = value.areas[0];
+  if (value.type == ValueType::kArray) return value.Items().At(0, 0);
+  if (value.Areas().size() != 1) return Value::Error(ErrorCode::kValue);
+  const Area& area = value.Areas()[0];
   const CellRange& range = area.range;
   if (area.IsCell()) return ReadCell(*area.sheet, range.first_row, range.first_col);
   if (area.Columns() == 1 && place_.row >= range.first_row && place_.row <= range.last_row) {
@@ -203,10 +195,10 @@ Value Evaluator::ToScalar(const Value& value) {
 }
 
 Array Evaluator::ToArray(const Value& value) {
-  if (value.type == ValueType::kArray) return *value.array;
+  if (value.type == ValueType::kArray) return value.Items();
   if (value.type != ValueType::kReference) return OneItem(value);
-  if (value.areas.size() != 1) return OneItem(Value::Error(ErrorCode::kValue));
-  const Area& area = value.areas[0];
+  if (value.Areas().size() != 1) return OneItem(Value::Error(ErrorCode::kValue));
+  const Area& area = value.Areas()[0];
   if (static_cast<std::int64_t>(area.Rows()) * area.Columns() > kMostItems) throw UnknownResult{};
   Array array;
   array.rows = area.Rows();
@@ -233,7 +225,7 @@ Value Evaluator::ReadCell(const Cell& cell) {
     case CellType::kNumber:
       return Value::Number(cell.number);
     case CellType::kText:
-      return Value::Text(workbook_.Text(cell.text));
+      return Value::LastingText(workbook_.Text(cell.text));
     case CellType::kFormula:
       break;
   }
@@ -251,9 +243,9 @@ bool Evaluator::IsSubtotal(const Cell& cell) const {
 
 const std::string& Evaluator::FormatCodeOf(const Cell* cell) {
   const FormatId id = cell == nullptr ? 0 : cell->format;
-  const auto [place, is_new] = format_codes_.try_emplace(id);
-  if (is_new) place->second = FormatCode(NumberPattern::Parse(workbook_.Format(id).number_format));
-  return place->second;
+  std::string& code = format_codes_[id];
+  if (code.empty()) code = FormatCode(NumberPattern::Parse(workbook_.Format(id).number_format));
+  return code;
 }
 
 }  // namespace excelexp::formula

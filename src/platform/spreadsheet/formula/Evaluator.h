@@ -1,11 +1,11 @@
 #pragma once
 
 #include <algorithm>
-#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/host/DateTime.h"
 #include "platform/spreadsheet/formula/Expression.h"
@@ -39,7 +39,11 @@ struct CellPlace {
 class Evaluator {
  public:
   Evaluator(const Workbook& workbook, DateTime now, ResultSource& results, const NameTable* names)
-      : workbook_(workbook), now_(now), results_(results), names_(names) {}
+      : workbook_(workbook),
+        now_(now),
+        results_(results),
+        names_(names),
+        format_codes_(workbook.FormatCount()) {}
 
   /// The result of a formula in that cell; nothing when it has to wait for others.
   /// A shared expression is computed as if its relative references were moved.
@@ -82,12 +86,8 @@ class Evaluator {
   /// What CELL("format") tells of a cell.
   const std::string& FormatCodeOf(const Cell* cell);
 
-  /// An empty list of arguments, which keeps its room from call to call. Lists are closed in reverse order.
-  std::vector<Value>& OpenList() {
-    if (open_lists_ == lists_.size()) lists_.emplace_back();
-    return lists_[open_lists_++];
-  }
-  void CloseList() { lists_[--open_lists_].clear(); }
+  /// The arguments of the calls that are under way, the innermost call's last.
+  std::vector<Value>& Arguments() { return arguments_; }
 
   const CellPlace& Place() const { return place_; }
   DateTime Now() const { return now_; }
@@ -103,10 +103,9 @@ class Evaluator {
   const Workbook& workbook_;
   DateTime now_;
   ResultSource& results_;
-  const NameTable* names_;  ///< may be nullptr
-  std::map<FormatId, std::string> format_codes_;
-  std::deque<std::vector<Value>> lists_;
-  std::size_t open_lists_ = 0;
+  const NameTable* names_;                 ///< may be nullptr
+  std::vector<std::string> format_codes_;  ///< by format; "" is not known yet
+  std::vector<Value> arguments_;
   CellPlace place_ = {};
   Moves moves_ = {};
   bool waiting_ = false;

@@ -445,4 +445,12 @@ const FunctionInfo* FindFunction(std::string_view name) {
   return found != std::end(kFunctions) && found->name == name ? found : nullptr;
 }
 
+std::size_t FunctionNumber(const FunctionInfo& function) {
+  return static_cast<std::size_t>(&function - std::begin(kFunctions));
+}
+
+std::size_t FunctionCount() {
+  return std::size(kFunctions);
+}
+
 }  // namespace excelexp::formula

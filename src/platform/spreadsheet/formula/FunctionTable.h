@@ -49,4 +49,8 @@ struct FunctionInfo {
 /// nullptr for a name that is no worksheet function. `name` in capitals.
 const FunctionInfo* FindFunction(std::string_view name);
 
+/// Numbers the functions from 0, to keep something for each.
+std::size_t FunctionNumber(const FunctionInfo& function);
+std::size_t FunctionCount();
+
 }  // namespace excelexp::formula

@@ -61,9 +61,7 @@ std::string Capitals(std::string_view text) {
 std::string SmallLetters(std::string_view text) {
   if (!IsAscii(text)) return Mapped(text, g_unichar_tolower);
   std::string small(text);
-  for (char& c : small) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  for (char& c : small) c = SmallLetter(c);
   return small;
 }
 

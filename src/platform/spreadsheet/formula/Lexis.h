@@ -15,6 +15,10 @@ constexpr bool IsAsciiLetter(char c) {
 constexpr bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
+/// Changes ASCII letters only.
+constexpr char SmallLetter(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 /// Part of a character outside ASCII.
 constexpr bool IsBeyondAscii(char c) {
   return (static_cast<unsigned char>(c) & 0x80U) != 0;

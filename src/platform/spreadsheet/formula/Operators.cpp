@@ -69,16 +69,15 @@ CellRange Common(const CellRange& a, const CellRange& b) {
 }
 
 Value Intersection(const Value& left, const Value& right) {
-  Value common;
-  common.type = ValueType::kReference;
-  for (const Area& a : left.areas) {
-    for (const Area& b : right.areas) {
+  std::vector<Area> common;
+  for (const Area& a : left.Areas()) {
+    for (const Area& b : right.Areas()) {
       const CellRange range = Common(a.range, b.range);
       const bool some = range.first_row <= range.last_row && range.first_col <= range.last_col;
-      if (some && a.sheet == b.sheet) common.areas.push_back({a.sheet, range});
+      if (some && a.sheet == b.sheet) common.push_back({a.sheet, range});
     }
   }
-  return common.areas.empty() ? Value::Error(ErrorCode::kNull) : common;
+  return common.empty() ? Value::Error(ErrorCode::kNull) : Value::Union(std::move(common));
 }
 
 }  // namespace
@@ -120,16 +119,17 @@ Value CombineReferences(Operator op, const Value& left, const Value& right) {
     return Value::Error(ErrorCode::kValue);
   }
   if (op == Operator::kIntersection) return Intersection(left, right);
-  Value combined = left;
+  const std::span<const Area> lefts = left.Areas();
+  const std::span<const Area> rights = right.Areas();
   if (op == Operator::kUnion) {
-    combined.areas.insert(combined.areas.end(), right.areas.begin(), right.areas.end());
-    return combined;
+    std::vector<Area> areas(lefts.begin(), lefts.end());
+    areas.insert(areas.end(), rights.begin(), rights.end());
+    return Value::Union(std::move(areas));
   }
-  if (left.areas.size() != 1 || right.areas.size() != 1 || left.areas[0].sheet != right.areas[0].sheet) {
+  if (lefts.size() != 1 || rights.size() != 1 || lefts[0].sheet != rights[0].sheet) {
     return Value::Error(ErrorCode::kValue);
   }
-  combined.areas[0].range = Around(left.areas[0].range, right.areas[0].range);
-  return combined;
+  return Value::Reference({lefts[0].sheet, Around(lefts[0].range, rights[0].range)});
 }
 
 }  // namespace excelexp::formula

@@ -18,7 +18,7 @@ int Rank(ValueType type) {
 Value EmptyLike(const Value& other) {
   switch (other.type) {
     case ValueType::kText:
-      return Value::Text("");
+      return Value::LastingText("");
     case ValueType::kBoolean:
       return Value::Boolean(false);
     default:
@@ -31,47 +31,27 @@ int CompareNumbers(double left, double right) {
   return left < right ? -1 : 1;
 }
 
-int CompareTexts(const std::string& left, const std::string& right) {
-  if (left == right) return 0;
-  const int order = SmallLetters(left).compare(SmallLetters(right));
-  return order < 0 ? -1 : order > 0 ? 1 : 0;
-}
-
 }  // namespace
 
-Value Value::Number(double number) {
-  Value value;
-  if (!std::isfinite(number)) return Error(ErrorCode::kNum);
-  value.type = ValueType::kNumber;
-  value.number = number == 0.0 ? 0.0 : number;  // there is no negative zero
-  return value;
-}
-
 Value Value::Text(std::string text) {
-  Value value;
-  value.type = ValueType::kText;
-  value.text = std::move(text);
+  auto storage = std::make_shared<const Storage>(Storage{std::move(text), {}, {}});
+  Value value = LastingText(storage->text);
+  value.storage = std::move(storage);
   return value;
 }
 
-Value Value::Boolean(bool truth) {
-  Value value;
-  value.type = ValueType::kBoolean;
-  value.number = truth ? 1.0 : 0.0;
-  return value;
-}
-
-Value Value::Error(ErrorCode code) {
-  Value value;
-  value.type = ValueType::kError;
-  value.error = code;
-  return value;
-}
-
-Value Value::Reference(Area area) {
+Value Value::Union(std::vector<Area> areas) {
+  if (areas.size() == 1) return Reference(areas.front());
   Value value;
   value.type = ValueType::kReference;
-  value.areas.push_back(area);
+  value.storage = std::make_shared<const Storage>(Storage{{}, std::move(areas), {}});
+  return value;
+}
+
+Value Value::Table(Array array) {
+  Value value;
+  value.type = ValueType::kArray;
+  value.storage = std::make_shared<const Storage>(Storage{{}, {}, std::move(array)});
   return value;
 }
 
@@ -112,7 +92,7 @@ std::string TextOf(const Value& value) {
     case ValueType::kError:
       throw FormulaError{value.error};
     case ValueType::kText:
-      return value.text;
+      return std::string(value.text);
     default:
       throw FormulaError{ErrorCode::kValue};
   }
@@ -133,6 +113,20 @@ int Compare(const Value& left, const Value& right) {
   if (left.type != right.type) return Rank(left.type) < Rank(right.type) ? -1 : 1;
   return left.type == ValueType::kText ? CompareTexts(left.text, right.text)
                                        : CompareNumbers(left.number, right.number);
+}
+
+int CompareTexts(std::string_view left, std::string_view right) {
+  const auto beyond_ascii = [](std::string_view text) { return IsBeyondAscii(text.front()); };
+  for (; !left.empty() && !right.empty(); left.remove_prefix(1), right.remove_prefix(1)) {
+    if (beyond_ascii(left) || beyond_ascii(right)) {
+      const int order = SmallLetters(left).compare(SmallLetters(right));
+      return order < 0 ? -1 : order > 0 ? 1 : 0;
+    }
+    const char a = SmallLetter(left.front());
+    const char b = SmallLetter(right.front());
+    if (a != b) return a < b ? -1 : 1;
+  }
+  return left.empty() ? (right.empty() ? 0 : -1) : 1;
 }
 
 std::string NumberText(double number) {

@@ -81,7 +81,7 @@ Value EndOfMonth(Call& call) {
 
 Value DateValue(Call& call) {
   if (call[0].type != ValueType::kText) return Value::Error(ErrorCode::kValue);
-  const std::string& text = call[0].text;
+  const std::string_view text = call[0].text;
   const double serial = call.Number(0);
   // A number or a time alone is no date.
   if (text.find('-', 1) == std::string::npos) return Value::Error(ErrorCode::kValue);

@@ -1,5 +1,4 @@
 #include "platform/spreadsheet/formula/Call.h"
-#include "platform/spreadsheet/formula/Lexis.h"
 
 namespace excelexp::formula {
 namespace {
@@ -21,28 +20,31 @@ Value IsOtherError(Call& call) {
 /// last is left to it.
 Value CellInformation(Call& call) {
   call.Cells().MakeScalar(call.Values()[0]);
-  const std::string what = SmallLetters(TextOf(call[0]));
+  const std::string what = TextOf(call[0]);
+  const auto is = [&what](std::string_view known) { return CompareTexts(what, known) == 0; };
   if (call.Count() < 2) throw UnknownResult{};
   const Area& area = call.Cells(1);
   const int row = area.range.first_row;
   const int column = area.range.first_col;
-  if (what == "format") return Value::Text(call.Cells().FormatCodeOf(area.sheet->Find(row, column)));
-  if (what == "row") return Value::Number(row);
-  if (what == "col") return Value::Number(column);
-  if (what == "address") {
+  if (is("format")) return Value::LastingText(call.Cells().FormatCodeOf(area.sheet->Find(row, column)));
+  if (is("row")) return Value::Number(row);
+  if (is("col")) return Value::Number(column);
+  if (is("address")) {
     if (area.sheet != call.Cells().Place().sheet) throw UnknownResult{};
     return Value::Text("$" + ColumnLetters(column) + "$" + std::to_string(row));
   }
-  if (what == "contents") {
+  if (is("contents")) {
     const Value value = call.Cells().ReadCell(*area.sheet, row, column);
     return value.type == ValueType::kEmpty ? Value::Number(0.0) : value;
   }
-  if (what == "type") {
+  if (is("type")) {
     const Value value = call.Cells().ReadCell(*area.sheet, row, column);
-    return Value::Text(value.type == ValueType::kEmpty ? "b" : value.type == ValueType::kText ? "l" : "v");
+    return Value::LastingText(value.type == ValueType::kEmpty  ? "b"
+                              : value.type == ValueType::kText ? "l"
+                                                               : "v");
   }
   for (const char* known : {"color", "filename", "parentheses", "prefix", "protect", "width"}) {
-    if (what == known) throw UnknownResult{};
+    if (is(known)) throw UnknownResult{};
   }
   return Value::Error(ErrorCode::kValue);
 }

@@ -49,12 +49,12 @@ void ForEachTruth(Call& call, Use use) {
   for (std::size_t i = 0; i < call.Count(); ++i) {
     const Value& value = call[i];
     if (value.type == ValueType::kReference) {
-      for (const Area& area : value.areas) {
+      for (const Area& area : value.Areas()) {
         Evaluator::ForEachCell(area,
                                [&](const Cell& cell, int, int) { use_item(call.Cells().ReadCell(cell)); });
       }
     } else if (value.type == ValueType::kArray) {
-      for (const Value& item : value.array->items) use_item(item);
+      for (const Value& item : value.Items().items) use_item(item);
     } else {
       any = true;
       use(LogicalOf(value));

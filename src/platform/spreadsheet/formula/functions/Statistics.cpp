@@ -97,13 +97,13 @@ Value CountNumbers(Call& call) {
   double count = 0.0;
   for (const Value& value : call.Values()) {
     if (value.type == ValueType::kReference) {
-      for (const Area& area : value.areas) {
+      for (const Area& area : value.Areas()) {
         Evaluator::ForEachCell(area, [&](const Cell& cell, int, int) {
           count += call.Cells().ReadCell(cell).type == ValueType::kNumber ? 1.0 : 0.0;
         });
       }
     } else if (value.type == ValueType::kArray) {
-      for (const Value& item : value.array->items) count += item.type == ValueType::kNumber ? 1.0 : 0.0;
+      for (const Value& item : value.Items().items) count += item.type == ValueType::kNumber ? 1.0 : 0.0;
     } else if (value.type == ValueType::kText) {
       count += ReadNumber(value.text) ? 1.0 : 0.0;
     } else {
@@ -115,7 +115,7 @@ Value CountNumbers(Call& call) {
 
 double CountFilledCells(Evaluator& evaluator, const Value& value) {
   double count = 0.0;
-  for (const Area& area : value.areas) {
+  for (const Area& area : value.Areas()) {
     Evaluator::ForEachCell(area, [&](const Cell& cell, int, int) {
       count += evaluator.ReadCell(cell).type != ValueType::kEmpty ? 1.0 : 0.0;
     });
@@ -129,7 +129,7 @@ Value CountFilled(Call& call) {
     if (value.type == ValueType::kReference) {
       count += CountFilledCells(call.Cells(), value);
     } else {
-      count += value.type == ValueType::kArray ? static_cast<double>(value.array->items.size()) : 1.0;
+      count += value.type == ValueType::kArray ? static_cast<double>(value.Items().items.size()) : 1.0;
     }
   }
   return Value::Number(count);
@@ -166,7 +166,7 @@ Value Subtotal(Call& call) {
   for (std::size_t i = 1; i < call.Count(); ++i) {
     if (call[i].IsError()) return call[i];
     if (call[i].type != ValueType::kReference) return Value::Error(ErrorCode::kValue);
-    for (const Area& area : call[i].areas) {
+    for (const Area& area : call[i].Areas()) {
       Evaluator::ForEachCell(area, [&](const Cell& cell, int row, int) {
         // Subtotals are not added up a second time.
         if ((ignores_hidden && area.sheet->RowHidden(row)) || call.Cells().IsSubtotal(cell)) return;

@@ -169,7 +169,7 @@ Value Format(Call& call) {
   if (value.type == ValueType::kBoolean) return TextValue(TextOf(value));
   if (value.type == ValueType::kText) {
     const std::optional<double> number = ReadNumber(value.text);
-    return TextValue(number ? formatter.Number(*number) : formatter.Text(value.text));
+    return TextValue(number ? formatter.Number(*number) : formatter.Text(std::string(value.text)));
   }
   return TextValue(formatter.Number(NumberOf(value)));
 }
@@ -189,13 +189,13 @@ Value Fixed(Call& call) {
 Value First(const Call& call) {
   const Value& value = call[0];
   if (value.type != ValueType::kReference) return call.Cells().ToScalar(value);
-  const Area& area = value.areas[0];
+  const Area& area = value.Areas()[0];
   return call.Cells().ReadCell(*area.sheet, area.range.first_row, area.range.first_col);
 }
 
 Value TextOrNothing(Call& call) {
   const Value value = First(call);
-  return value.type == ValueType::kText || value.IsError() ? value : Value::Text("");
+  return value.type == ValueType::kText || value.IsError() ? value : Value::LastingText("");
 }
 
 Value NumberOrZero(Call& call) {
