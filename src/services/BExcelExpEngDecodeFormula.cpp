@@ -1,6 +1,5 @@
 #include "services/BExcelExpEngDecodeFormula.h"
 
-#include <functional>
 #include <optional>
 
 #include "engine/DefinitionTables.h"
@@ -32,10 +31,13 @@ std::optional<Reference> ReferenceAt(std::string_view formula, std::size_t start
   return Reference{CStrToInt(formula.substr(digits, end - digits)), end + 1};
 }
 
-/// Copies the formula with every reference replaced; nothing when `name_of` fails for one.
-std::optional<std::string> ReplaceReferences(const std::string& formula, std::size_t tag_length,
-                                             const std::function<std::optional<std::string>(int)>& name_of) {
+/// Copies the formula with every reference replaced by what `name(number, cell_name)` puts into `cell_name`;
+/// "" when it fails for one.
+template <typename Name>
+std::string ReplaceReferences(const std::string& formula, std::size_t tag_length, std::string& cell_name,
+                              const Name& name) {
   std::string result;
+  result.reserve(formula.size());
   std::size_t position = 0;
   for (std::size_t start = formula.find('<'); start != std::string::npos; start = formula.find('<', start)) {
     const auto reference = ReferenceAt(formula, start, tag_length);
@@ -43,9 +45,8 @@ std::optional<std::string> ReplaceReferences(const std::string& formula, std::si
       ++start;
       continue;
     }
-    const auto name = name_of(reference->number);
-    if (!name) return std::nullopt;
-    result.append(formula, position, start - position).append(*name);
+    if (!name(reference->number, cell_name)) return {};
+    result.append(formula, position, start - position).append(cell_name);
     position = start = reference->end;
   }
   return result.append(formula, position);
@@ -96,21 +97,21 @@ std::string BExcelExpEngDecodeFormula::DecodeRowExcelFormula(const std::string& 
 std::string BExcelExpEngDecodeFormula::DecodeRptTotalExcelFormula(const std::string& formula,
                                                                   std::string& cell_name, int column) {
   core_->WriteBanner(Memo::kInternal, {"          DECODE EXCEL FORMULA PROCESS          "});
-  return *ReplaceReferences(formula, kTotalTagLength, [&](int row) -> std::optional<std::string> {
-    return cell_name = GetCellName(row, column);
+  return ReplaceReferences(formula, kTotalTagLength, cell_name, [column](int row, std::string& name) {
+    name = GetCellName(row, column);
+    return true;
   });
 }
 
 std::string BExcelExpEngDecodeFormula::DecodeItems(const Items& items, const std::string& formula,
                                                    Query& expansion, std::string& cell_name, int fixed) {
-  const auto name_of = [&](int order) -> std::optional<std::string> {
+  return ReplaceReferences(formula, kItemTagLength, cell_name, [&](int order, std::string& name) {
     int count = 0;
-    if (!CountTo(items, order, expansion, count)) return std::nullopt;
-    cell_name = items.down ? GetCellName(core_->StartPrintedRow + count - 1, fixed)
-                           : GetCellName(fixed, core_->StartPrintedCol + count - 1);
-    return cell_name;
-  };
-  return ReplaceReferences(formula, kItemTagLength, name_of).value_or("");
+    if (!CountTo(items, order, expansion, count)) return false;
+    name = items.down ? GetCellName(core_->StartPrintedRow + count - 1, fixed)
+                      : GetCellName(fixed, core_->StartPrintedCol + count - 1);
+    return true;
+  });
 }
 
 bool BExcelExpEngDecodeFormula::CountTo(const Items& items, int order, Query& expansion, int& count) {
