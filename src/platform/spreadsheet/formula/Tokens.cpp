@@ -103,11 +103,11 @@ void Put16At(std::uint8_t* place, std::size_t number) {
   place[1] = static_cast<std::uint8_t>(number >> 8U & 0xFFU);
 }
 
-/// Writes the cells of a moved reference over the four or eight bytes kept for them.
-void PutCells(ReferredCells cells, const Moves& moves, std::uint8_t* place) {
+/// The cells of a moved reference as .xls holds them.
+ReferredCells StoredCells(ReferredCells cells, const Moves& moves) {
   if (moves.Any() && !Move(cells, moves))
     throw SpreadsheetError("a reference of the formula leaves the sheet");
-  CellRange range = cells.range;
+  CellRange& range = cells.range;
   // Whole columns and rows reach as far as the format does.
   if (range.first_row == 1 && range.last_row == Workbook::kMaxRows) range.last_row = kLastRow;
   if (range.first_col == 1 && range.last_col == Workbook::kMaxColumns) range.last_col = kLastColumn;
@@ -116,6 +116,12 @@ void PutCells(ReferredCells cells, const Moves& moves, std::uint8_t* place) {
                            " of the formula lies beyond the " + std::to_string(kLastRow) + " rows and " +
                            std::to_string(kLastColumn) + " columns of .xls");
   }
+  return cells;
+}
+
+/// Writes them over the four or eight bytes kept for them.
+void PutCells(const ReferredCells& cells, std::uint8_t* place) {
+  const CellRange& range = cells.range;
   const auto column = [&](int end, int number) {
     return static_cast<std::size_t>(number - 1) | (cells.column_absolute[end] ? 0 : kColumnIsRelative) |
            (cells.row_absolute[end] ? 0 : kRowIsRelative);
@@ -364,8 +370,13 @@ TokenTemplate::TokenTemplate(const Expression& expression, TokenContext& context
 
 std::vector<std::uint8_t> TokenTemplate::Tokens(const Moves& moves) const {
   std::vector<std::uint8_t> tokens = bytes_;
-  for (const CellsPlace& each : cells_) PutCells(*each.reference, moves, tokens.data() + each.place);
+  for (const CellsPlace& each : cells_)
+    PutCells(StoredCells(*each.reference, moves), tokens.data() + each.place);
   return tokens;
+}
+
+void TokenTemplate::Check(const Moves& moves) const {
+  for (const CellsPlace& each : cells_) StoredCells(*each.reference, moves);
 }
 
 std::vector<std::uint8_t> EncodeTokens(const Expression& expression, TokenContext& context,
@@ -377,9 +388,7 @@ std::size_t TokenSize(const Node& node) {
   Encoder encoder(nullptr, FormulaPlace::kCell);
   encoder.EncodeRoot(node);
   const std::size_t size = encoder.Out().Weight();
-  std::vector<std::uint8_t> tokens = encoder.Out().Take();
-  for (const CellsPlace& each : encoder.TakeCells())
-    PutCells(*each.reference, {}, tokens.data() + each.place);
+  for (const CellsPlace& each : encoder.TakeCells()) StoredCells(*each.reference, {});
   return size;
 }
 

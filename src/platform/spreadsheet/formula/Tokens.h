@@ -60,6 +60,8 @@ class TokenTemplate {
 
   /// Throws SpreadsheetError for cells that .xls does not hold, or that lie before the first.
   std::vector<std::uint8_t> Tokens(const Moves& moves) const;
+  /// Throws what Tokens would throw.
+  void Check(const Moves& moves) const;
 
  private:
   std::vector<std::uint8_t> bytes_;

@@ -109,7 +109,7 @@ void CellRecords::WriteFormula(std::uint32_t column) {
   constexpr std::uint32_t kRecalculate = 0x0003;
   const std::uint32_t index = cells_[column].formula;
   const FormulaResult& result = parts_.workbook.FormulaAt(index).result;
-  const std::vector<std::uint8_t>& tokens = parts_.links.Tokens(index);
+  const std::vector<std::uint8_t> tokens = parts_.links.Tokens(index);
   {
     Record record(stream_, kFormula);
     PutCell(column);

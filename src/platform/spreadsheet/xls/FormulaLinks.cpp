@@ -34,7 +34,7 @@ std::string_view AsText(const std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
-FormulaLinks::FormulaLinks(const Workbook& workbook) : workbook_(workbook), tokens_(workbook.FormulaCount()) {
+FormulaLinks::FormulaLinks(const Workbook& workbook) : workbook_(workbook) {
   for (std::size_t i = 0; i < workbook.Sheets().size(); ++i) {
     const Sheet& sheet = *workbook.Sheets()[i];
     for (int row = 1; row <= sheet.LastRow(); ++row) {
@@ -47,27 +47,17 @@ FormulaLinks::FormulaLinks(const Workbook& workbook) : workbook_(workbook), toke
   }
 }
 
-/// Whether FitFormula would leave it alone, wherever it is moved; asked once for neighbours that share it.
-bool FormulaLinks::Fits(const std::shared_ptr<const formula::Expression>& expression) {
-  if (expression != last_asked_) {
-    last_asked_ = expression;
-    last_template_.reset();
-    last_fits_ = formula::FitsAsItIs(*expression, formula::kXlsLimits);
-  }
-  return last_fits_;
-}
-
 void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& position) {
   const Formula& formula = workbook_.FormulaAt(cell.formula);
   needs_recalculation_ |= formula.result.type == FormulaResult::Type::kUnknown;
   try {
-    if (Fits(formula.SharedExpression())) {
-      if (!last_template_) {
-        last_template_.emplace(*formula.SharedExpression(), *this, formula::FormulaPlace::kCell);
-      }
-      tokens_[cell.formula] = last_template_->Tokens(formula.moves);
-      return;
+    const formula::Expression& shared = *formula.SharedExpression();
+    const auto [known, is_new] = templates_.try_emplace(&shared);
+    std::optional<formula::TokenTemplate>& tokens = known->second;
+    if (is_new && formula::FitsAsItIs(shared, formula::kXlsLimits)) {
+      tokens.emplace(shared, *this, formula::FormulaPlace::kCell);
     }
+    if (tokens) return tokens->Check(formula.moves);
     const formula::FittedFormula fitted =
         formula::FitFormula(formula::ExpressionOf(formula), formula::kXlsLimits, position);
     for (const formula::HiddenName& name : fitted.names) {
@@ -78,6 +68,12 @@ void FormulaLinks::Encode(const Cell& cell, const formula::FormulaPosition& posi
   } catch (const SpreadsheetError& error) {
     FailAt(position.sheet_name, position.row, position.column, error.what());
   }
+}
+
+std::vector<std::uint8_t> FormulaLinks::Tokens(std::uint32_t index) const {
+  const Formula& formula = workbook_.FormulaAt(index);
+  const auto& shared = templates_.at(formula.SharedExpression().get());
+  return shared ? shared->Tokens(formula.moves) : tokens_.at(index);
 }
 
 std::uint16_t FormulaLinks::Sheets(const std::string& sheet, const std::string& last_sheet) {

@@ -20,7 +20,7 @@ class FormulaLinks : public formula::TokenContext {
   /// the format cannot hold.
   explicit FormulaLinks(const Workbook& workbook);
 
-  const std::vector<std::uint8_t>& Tokens(std::uint32_t formula) const { return tokens_[formula]; }
+  std::vector<std::uint8_t> Tokens(std::uint32_t index) const;
   /// Whether a cell shows a result that nobody has computed.
   bool NeedsRecalculation() const { return needs_recalculation_; }
 
@@ -45,17 +45,16 @@ class FormulaLinks : public formula::TokenContext {
   };
 
   void Encode(const Cell& cell, const formula::FormulaPosition& position);
-  bool Fits(const std::shared_ptr<const formula::Expression>& expression);
   std::uint16_t SheetNumber(const std::string& name) const;
   std::uint16_t SpanNumber(const SheetSpan& span);
   std::uint16_t Define(DefinedName name);
 
   const Workbook& workbook_;
-  std::shared_ptr<const formula::Expression> last_asked_;
-  bool last_fits_ = false;
-  std::optional<formula::TokenTemplate> last_template_;  // of last_asked_
-  std::vector<std::vector<std::uint8_t>> tokens_;        ///< by the workbook's formula index
-  std::vector<SheetSpan> spans_;                         ///< entries of EXTERNSHEET
+  /// By the expression that formulas share; nothing where FitFormula would change it.
+  std::unordered_map<const formula::Expression*, std::optional<formula::TokenTemplate>> templates_;
+  /// Of the formulas without a template, by the workbook's formula index.
+  std::unordered_map<std::uint32_t, std::vector<std::uint8_t>> tokens_;
+  std::vector<SheetSpan> spans_;  ///< entries of EXTERNSHEET
   std::vector<DefinedName> names_;
   std::unordered_map<std::string, std::uint16_t> name_numbers_;
   std::vector<std::string> add_in_functions_;
