@@ -84,11 +84,21 @@ const Cell* Sheet::Find(int row, int column) const {
                                                           : nullptr;
 }
 
+/// How many cells to make room for in a row that has to hold `columns`. A row most often ends where the row
+/// above or the longest one ends; else room is doubled, since cells come one by one.
+std::size_t Sheet::RoomFor(std::size_t columns, std::size_t row_index) const {
+  constexpr std::size_t kLeast = 4;
+  const std::size_t doubled = std::max({columns, 2 * rows_[row_index].capacity(), kLeast});
+  const auto longest = static_cast<std::size_t>(last_column_);
+  const std::size_t above = row_index > 0 ? rows_[row_index - 1].capacity() : 0;
+  if (columns <= above) return std::min(above, std::max(longest, doubled));
+  return columns <= longest ? std::min(longest, doubled) : doubled;
+}
+
 void Sheet::GrowRow(std::size_t row_index, std::size_t columns) {
   if (row_index >= rows_.size()) rows_.resize(row_index + 1);
   std::vector<Cell>& cells = rows_[row_index];
-  // A row most often ends where the row above ends: reserving that much leaves no slack.
-  if (cells.capacity() == 0 && row_index > 0) cells.reserve(std::max(columns, rows_[row_index - 1].size()));
+  if (columns > cells.capacity()) cells.reserve(RoomFor(columns, row_index));
   while (cells.size() < columns) cells.emplace_back();  // mostly one
   last_column_ = std::max(last_column_, static_cast<int>(columns));
 }

@@ -187,6 +187,7 @@ class Sheet {
   };
 
   void GrowRow(std::size_t row_index, std::size_t columns);
+  std::size_t RoomFor(std::size_t columns, std::size_t row_index) const;
 
   std::string name_;
   bool placeholder_;
