@@ -79,7 +79,8 @@ bool FrameTotals::PrintLevel(GrpItem& level, int first_data_row) {
     const auto ranges_of = [&](int column) {
       return formulas_.DecodeRptTotalExcelFormula(template_ranges, current_cell_, column);
     };
-    if (!PrintSums(row, first_data_row, kSubTotal, kSubTotalGap, ranges_of)) return false;
+    const auto note_total = [&] { formulas_.NoteRptTotal(); };
+    if (!PrintSums(row, first_data_row, kSubTotal, kSubTotalGap, ranges_of, note_total)) return false;
   }
   if (level.FinGrpHasEmpCount != 0) {
     const int row = core_->LastPrintedRow + 1;
@@ -103,7 +104,10 @@ bool FrameTotals::PrintRptGrandTotalEmpCt(const std::vector<GrpItem>& groups, in
       return grouped ? formulas_.DecodeRptTotalExcelFormula(groups.back().GrpRowRanges, current_cell_, column)
                      : GetCellName(first_data_row, column) + ":" + GetCellName(last_data_row, column);
     };
-    if (!PrintSums(row, first_data_row, kGrandTotal, kGrandTotalGap, ranges_of)) return false;
+    const auto note_total = [&] {
+      if (grouped) formulas_.NoteRptTotal();
+    };
+    if (!PrintSums(row, first_data_row, kGrandTotal, kGrandTotalGap, ranges_of, note_total)) return false;
     ++row;
   }
   if (core_->FirstWSItemHasTotEmpCt != 0) {
@@ -118,16 +122,22 @@ bool FrameTotals::PrintLabel(int row, const std::string& text, std::string_view 
   return cells_.WriteTitle(row, 1, text, Where(operation));
 }
 
-template <typename RangesOf>
+template <typename RangesOf, typename NoteTotal>
 bool FrameTotals::PrintSums(int row, int first_data_row, std::string_view operation, int gap,
-                            const RangesOf& ranges_of) {
+                            const RangesOf& ranges_of, const NoteTotal& note_total) {
   for (const WkSheetItem& item : items_) {
     if (item.WkSheetItemRptType != report_type::kFinancial) continue;
     int column = kNothingToSum;
     if (!ReadFirstSummingColumn(item, operation, gap, column)) return false;
+    const int first_column = column;
     for (; column != kNothingToSum && column <= item.LastCol; ++column) {
-      const std::string first_cell = GetCellName(first_data_row, column);
-      cells_.WriteFormula(row, column, SummingFormula(traits_.totals.rule, first_cell, ranges_of(column)));
+      if (column > first_column && column <= kLastNamedColumn) {
+        note_total();
+        cells_.RepeatFormula(row, column);
+      } else {
+        const std::string first_cell = GetCellName(first_data_row, column);
+        cells_.WriteFormula(row, column, SummingFormula(traits_.totals.rule, first_cell, ranges_of(column)));
+      }
       cells_.WriteAmountFormat(row, column);
     }
   }

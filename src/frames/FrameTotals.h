@@ -28,9 +28,11 @@ class FrameTotals {
 
  private:
   bool PrintLevel(GrpItem& level, int first_data_row);
-  /// Puts a total under every summing column; `ranges_of(column)` gives what to sum.
-  template <typename RangesOf>
-  bool PrintSums(int row, int first_data_row, std::string_view operation, int gap, const RangesOf& ranges_of);
+  /// Puts a total under every summing column. `ranges_of(column)` gives what to sum in the first; the others
+  /// repeat it, each with `note_total()` for the log.
+  template <typename RangesOf, typename NoteTotal>
+  bool PrintSums(int row, int first_data_row, std::string_view operation, int gap, const RangesOf& ranges_of,
+                 const NoteTotal& note_total);
   bool ReadFirstSummingColumn(const WkSheetItem& item, std::string_view operation, int gap, int& column);
   bool PrintLabel(int row, const std::string& text, std::string_view operation);
   OperationName Where(std::string_view operation) const;

@@ -96,11 +96,15 @@ std::string BExcelExpEngDecodeFormula::DecodeRowExcelFormula(const std::string& 
 
 std::string BExcelExpEngDecodeFormula::DecodeRptTotalExcelFormula(const std::string& formula,
                                                                   std::string& cell_name, int column) {
-  core_->WriteBanner(Memo::kInternal, {"          DECODE EXCEL FORMULA PROCESS          "});
+  NoteRptTotal();
   return ReplaceReferences(formula, kTotalTagLength, cell_name, [column](int row, std::string& name) {
     name = GetCellName(row, column);
     return true;
   });
+}
+
+void BExcelExpEngDecodeFormula::NoteRptTotal() {
+  core_->WriteBanner(Memo::kInternal, {"          DECODE EXCEL FORMULA PROCESS          "});
 }
 
 std::string BExcelExpEngDecodeFormula::DecodeItems(const Items& items, const std::string& formula,

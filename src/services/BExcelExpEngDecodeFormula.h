@@ -30,6 +30,8 @@ class BExcelExpEngDecodeFormula {
 
   /// Row ranges ("<Col12>:<Col20>, <Col27>:<Col31>") as ranges of one column. Asks no database.
   std::string DecodeRptTotalExcelFormula(const std::string& formula, std::string& cell_name, int column);
+  /// Its entry in the internal log alone, for a total that repeats the one to its left.
+  void NoteRptTotal();
 
  private:
   struct Items;

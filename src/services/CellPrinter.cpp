@@ -161,6 +161,10 @@ void CellPrinter::WriteFormula(int row, int column, const std::string& formula) 
                                   formula);
 }
 
+void CellPrinter::RepeatFormula(int row, int column) {
+  core_->ExcelAPI->FillRight(core_->ExcelWorkbook, core_->ExcelWorksheetName, row, column);
+}
+
 bool CellPrinter::WriteTitle(int row, int column, const std::string& text, const OperationName& where) {
   WriteText(row, column, text);
   return FormatAsTitle(row, column, where);

@@ -52,6 +52,8 @@ class CellPrinter {
   void WriteIntegerFormat(int row, int column, const ValueStyle& style);
   /// An empty formula (its decoding failed and said so) leaves an empty text.
   void WriteFormula(int row, int column, const std::string& formula);
+  /// Repeats the formula of the cell to the left for this one.
+  void RepeatFormula(int row, int column);
   /// A text in the title scheme.
   bool WriteTitle(int row, int column, const std::string& text, const OperationName& where);
   /// Merges columns of one row, or a block of rows.

@@ -10,6 +10,7 @@
 #include "platform/spreadsheet/WorkbookFile.h"
 #include "platform/spreadsheet/formula/Expression.h"
 #include "platform/spreadsheet/formula/Recalculate.h"
+#include "platform/spreadsheet/formula/SharedFormulas.h"
 
 namespace excelexp {
 namespace {
@@ -141,6 +142,12 @@ void PutText(const Place& place, const std::string& text) {
   cell.text = place.workbook.InternText(text);
 }
 
+void PutFormula(const Place& place, Formula formula) {
+  Cell& cell = Emptied(place);
+  cell.formula = place.workbook.AddFormula(std::move(formula));
+  cell.type = CellType::kFormula;
+}
+
 double NumberOf(const Variant& value, const Target& target, const char* what) {
   if (const int* whole = std::get_if<int>(&value)) return *whole;
   if (const double* number = std::get_if<double>(&value)) return *number;
@@ -164,6 +171,9 @@ Formula MakeFormula(const Target& target, const std::string& text) {
 }
 
 Formula MovedFormula(const Formula& formula, int rows, int columns) {
+  const formula::Moves moves = {formula.moves.rows + rows, formula.moves.columns + columns};
+  const bool stays = rows == 0 && columns == 0;
+  if (stays || formula.source->text.CanMove(moves)) return {formula.source, moves};
   std::shared_ptr<const formula::Expression> moved =
       formula::Moved(*formula::ExpressionOf(formula), rows, columns);
   std::string text = "=" + formula::Print(*moved);
@@ -270,19 +280,21 @@ void BExcelAPI::WriteTableCellNumber(const Handle& workbook, const std::string& 
 void BExcelAPI::FormulaOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,
                                const std::string& formula) {
   const Target target = Locate(workbook, sheet, range);
-  Formula made = MakeFormula(target, formula);
+  const Formula made = MakeFormula(target, formula);
   ForEachCell(target.range, [&](int row, int column) { CheckVisible(target.sheet, row, column); });
-  const std::uint32_t first = target.workbook.AddFormula(std::move(made));
   ForEachCell(target.range, [&](int row, int column) {
-    const int rows = row - target.range.first_row;
-    const int columns = column - target.range.first_col;
-    Cell& cell = target.sheet.At(row, column);
-    cell.formula =
-        rows == 0 && columns == 0
-            ? first
-            : target.workbook.AddFormula(MovedFormula(target.workbook.FormulaAt(first), rows, columns));
-    cell.type = CellType::kFormula;
+    PutFormula({target.workbook, target.sheet, row, column},
+               MovedFormula(made, row - target.range.first_row, column - target.range.first_col));
   });
+}
+
+void BExcelAPI::FillRight(const Handle& workbook, const std::string& sheet, int row, int column) {
+  const Place place = Locate(workbook, sheet, row, column);
+  const Cell* const left = place.sheet.Find(row, column - 1);
+  if (left == nullptr || left->type != CellType::kFormula)
+    Fail(place, "the cell to the left has no formula.");
+  CheckVisible(place.sheet, row, column);
+  PutFormula(place, MovedFormula(place.workbook.FormulaAt(left->formula), 0, 1));
 }
 
 void BExcelAPI::NumberFormatOnRange(const Handle& workbook, const std::string& sheet,

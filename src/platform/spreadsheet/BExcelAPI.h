@@ -76,6 +76,8 @@ class BExcelAPI {
   /// not parse.
   virtual void FormulaOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,
                               const std::string& formula);
+  /// Puts the formula of the cell to the left, which must hold one, into the cell; it moves along as above.
+  virtual void FillRight(const Handle& workbook, const std::string& sheet, int row, int column);
   virtual void NumberFormatOnRange(const Handle& workbook, const std::string& sheet, const std::string& range,
                                    const std::string& format);
   /// Merges the range into one cell. `across` would merge each row on its own; `centre` centres the text.

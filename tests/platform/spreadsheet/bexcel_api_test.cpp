@@ -134,6 +134,14 @@ TEST_F(BExcelApi, FormulasMoveAlongABlock) {
   }
   ExpectError([&] { api_.FormulaOnRange(workbook_, "Pay", "B7", "=SUM(A1,"); },
               {"Sheet \"Pay\", cell B7", "at character 9"});
+  for (const auto& [text, moved] :
+       {std::pair("=SUM(A1:B2, $C1)", "=SUM(B1:C2, $C1)"), std::pair("=sum(a1)", "=SUM(B1)"),
+        std::pair("=Pay!A1", "=Pay!B1"), std::pair("=XFD1+A1", "=#REF!+B1")}) {
+    api_.FormulaOnRange(workbook_, "Pay", "C8", text);
+    api_.FillRight(workbook_, "Pay", 8, 4);
+    EXPECT_EQ(Book().FormulaAt(At(8, 4).formula).Text(), moved);
+  }
+  ExpectError([&] { api_.FillRight(workbook_, "Pay", 8, 1); }, {"Sheet \"Pay\", cell A8", "no formula"});
 }
 
 TEST_F(BExcelApi, MergesCentreAndKeepTheirFirstValue) {

@@ -95,7 +95,7 @@ void ForEachReference(std::string_view formula, Use use) {
 
 FormulaText::FormulaText(std::string text)
     : text_(std::move(text)),
-      as_it_is_(text_.size() > kLongest || text_.find_first_of("!'") != std::string::npos),
+      as_it_is_(text_.find_first_of("!'") != std::string::npos),
       movable_(!as_it_is_) {
   if (as_it_is_) return;
   const std::string_view formula = text_;
@@ -106,7 +106,7 @@ FormulaText::FormulaText(std::string text)
 }
 
 std::optional<std::string> FormulaText::RelativeTo(int row, int column) const {
-  if (as_it_is_) return std::nullopt;
+  if (as_it_is_ || text_.size() > kLongest) return std::nullopt;
   std::string relative;
   relative.reserve(text_.size() + 32);
   std::size_t copied = 0;
@@ -115,6 +115,13 @@ std::optional<std::string> FormulaText::RelativeTo(int row, int column) const {
     copied = place.end;
   }
   return relative.append(text_, copied);
+}
+
+bool FormulaText::CanMove(const Moves& moves) const {
+  return movable_ && std::all_of(places_.begin(), places_.end(), [&moves](const Place& place) {
+           ReferredCells cells = place.cells;
+           return Move(cells, moves);
+         });
 }
 
 bool FormulaText::Equals(std::string_view text, const Moves& moves) const {
