@@ -116,6 +116,7 @@ int Compare(const Value& left, const Value& right) {
 }
 
 int CompareTexts(std::string_view left, std::string_view right) {
+  if (left == right) return 0;
   const auto beyond_ascii = [](std::string_view text) { return IsBeyondAscii(text.front()); };
   for (; !left.empty() && !right.empty(); left.remove_prefix(1), right.remove_prefix(1)) {
     if (beyond_ascii(left) || beyond_ascii(right)) {
