@@ -104,7 +104,8 @@ void Put16At(std::uint8_t* place, std::size_t number) {
 }
 
 /// The cells of a moved reference as .xls holds them.
-ReferredCells StoredCells(ReferredCells cells, const Moves& moves) {
+ReferredCells StoredCells(const ReferredCells& referred, const Moves& moves) {
+  ReferredCells cells = referred;
   if (moves.Any() && !Move(cells, moves))
     throw SpreadsheetError("a reference of the formula leaves the sheet");
   CellRange& range = cells.range;
