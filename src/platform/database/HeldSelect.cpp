@@ -195,29 +195,31 @@ class HeldSelect::BatchRows final : public ResultRows {
     if (source.joined < 0) return source.codes->At(place);
     return batch_->joined[source.codes->CodeAt(place)]->At(0, source.joined);
   }
-  bool Varies(std::size_t column) const override {
+  std::size_t Variety(std::size_t column) const override {
     const HeldColumn& codes = *batch_->columns[column].codes;
-    if (!codes.HasCodes()) return true;
+    if (!codes.HasCodes()) return places_.size() + 1;
     bool varies = false;
     codes.WithCodes([&](const auto& code_at) {
       varies = std::ranges::adjacent_find(places_, std::ranges::not_equal_to(), code_at) != places_.end();
     });
-    return varies;
+    return varies ? codes.CodeCount() : 1;
+  }
+  std::size_t FindHashes(std::size_t row, std::span<const std::size_t> columns,
+                         std::span<const std::size_t> hashes) const override {
+    const auto has_others = [&](std::size_t at) {
+      for (std::size_t i = 1; i < columns.size(); ++i)
+        if (HashAt(at, columns[i]) != hashes[i]) return false;
+      return true;
+    };
+    if (columns.empty()) return row;
+    WithHashes(columns.front(), [&](const auto& hash_at) {
+      while (row < places_.size() && (hash_at(row) != hashes.front() || !has_others(row))) ++row;
+    });
+    return row;
   }
   void MixColumn(std::size_t column, std::span<std::size_t> hashes) const override {
-    Batch::Column& source = batch_->columns[column];
-    if (!source.codes->HasCodes()) {
-      for (std::size_t row = 0; row < hashes.size(); ++row)
-        hashes[row] = MixKeys(hashes[row], HashOfKey(At(row, column)));
-      return;
-    }
-    source.hashes.resize(source.codes->CodeCount());
-    source.codes->WithCodes([&](const auto& code_at) {
-      for (std::size_t row = 0; row < hashes.size(); ++row) {
-        std::size_t& hash = source.hashes[code_at(places_[row])];
-        if (hash == 0) hash = HashOfKey(At(row, column));
-        hashes[row] = MixKeys(hashes[row], hash);
-      }
+    WithHashes(column, [&](const auto& hash_at) {
+      for (std::size_t row = 0; row < hashes.size(); ++row) hashes[row] = MixKeys(hashes[row], hash_at(row));
     });
   }
   bool HaveSameKeys(std::size_t row, std::size_t other, std::span<const std::size_t> columns) const override {
@@ -229,6 +231,26 @@ class HeldSelect::BatchRows final : public ResultRows {
   }
 
  private:
+  std::size_t HashAt(std::size_t row, std::size_t column) const {
+    std::size_t hash = 0;
+    WithHashes(column, [&](const auto& hash_at) { hash = hash_at(row); });
+    return hash;
+  }
+  /// Calls `use` with what tells the hash of a row's value.
+  template <typename Use>
+  void WithHashes(std::size_t column, const Use& use) const {
+    Batch::Column& source = batch_->columns[column];
+    if (!source.codes->HasCodes()) return use([&](std::size_t row) { return HashOfKey(At(row, column)); });
+    source.hashes.resize(source.codes->CodeCount());
+    source.codes->WithCodes([&](const auto& code_at) {
+      use([&](std::size_t row) {
+        std::size_t& hash = source.hashes[code_at(places_[row])];
+        if (hash == 0) hash = HashOfKey(At(row, column));
+        return hash;
+      });
+    });
+  }
+
   std::shared_ptr<const HeldRows> rows_;
   std::shared_ptr<Batch> batch_;
   std::vector<std::uint32_t> places_;

@@ -17,8 +17,11 @@
 namespace excelexp {
 namespace {
 
-// To enter the rows into an index costs about as much as this many searches through all of them.
+// To enter the rows into an index costs about as much as this many searches through all of them; through rows
+// that are held elsewhere, with most of their hashes known, a search is cheaper.
 constexpr int kSearchesByRow = 8;
+constexpr int kSearchesByHeldRow = 24;
+constexpr std::size_t kMostHashed = 4;
 
 std::uint32_t HashName(std::string_view name) {
   std::uint32_t hash = 2166136261u;
@@ -182,17 +185,29 @@ ResultSet::Search ResultSet::SearchBy(std::span<const int> columns) const {
   if (has_more_rows_) return Rest(Missing::kRows).SearchBy(columns);
   Index index;
   index.columns.assign(columns.begin(), columns.end());
+  struct Varying {
+    std::size_t variety;
+    std::size_t place;
+    std::size_t key;
+  };
+  std::vector<Varying> varying;
   for (std::size_t key = 0; key < columns.size(); ++key) {
     static_cast<void>(ColumnName(columns[key]));  // throws for an unknown one
     const int column = places_ == nullptr ? columns[key] : (*places_)[static_cast<std::size_t>(columns[key])];
     if (column < 0) return Rest(Missing::kColumns).SearchBy(columns);
     const auto place = static_cast<std::size_t>(column);
-    if (row_count_ > 0 && !Varies(place)) {
+    const std::size_t variety = row_count_ == 0 ? 0 : Variety(place);
+    if (variety == 1) {
       index.alike.emplace_back(ValueAt(0, place), key);
     } else {
-      index.places.push_back(place);
-      index.keys.push_back(key);
+      varying.push_back({variety, place, key});
     }
+  }
+  // What tells most rows apart is compared first.
+  std::ranges::stable_sort(varying, std::ranges::greater(), &Varying::variety);
+  for (const Varying& each : varying) {
+    index.places.push_back(each.place);
+    index.keys.push_back(each.key);
   }
   bytes_ += sizeof(Index);
   return {*this, *indexes_.emplace_back(std::make_unique<Index>(std::move(index)))};
@@ -208,8 +223,10 @@ int ResultSet::FindBy(Index& index, std::span<const KeyView> keys) const {
   for (const auto& [value, key] : index.alike)
     if (!IsKey(value, keys[key])) return -1;
   if (index.slots.empty()) {
-    if (++index.searches > kSearchesByRow) columns_->NoteSearchedOften();
-    if (!columns_->AreSearchedOften()) return FindByRow(index, keys);
+    const int by_row = rows_ == nullptr ? kSearchesByRow : kSearchesByHeldRow;
+    if (++index.searches > by_row) columns_->NoteSearchedOften();
+    if (!columns_->AreSearchedOften())
+      return rows_ == nullptr ? FindByRow(index, keys) : FindByHash(index, keys);
     EnterRows(index);
   }
   std::size_t hash = 0;
@@ -229,6 +246,19 @@ int ResultSet::FindByRow(const Index& index, std::span<const KeyView> keys) cons
   return -1;
 }
 
+int ResultSet::FindByHash(const Index& index, std::span<const KeyView> keys) const {
+  std::array<std::size_t, kMostHashed> hashes;
+  const std::size_t count = std::min(index.keys.size(), kMostHashed);
+  for (std::size_t i = 0; i < count; ++i) hashes[i] = HashOfKey(keys[index.keys[i]]);
+  const auto columns = std::span(index.places).first(count);
+  const auto wanted = std::span(hashes).first(count);
+  for (std::size_t row = 0; row < row_count_; ++row) {
+    row = rows_->FindHashes(row, columns, wanted);
+    if (row < row_count_ && HasKeys(row, index, keys)) return static_cast<int>(row);
+  }
+  return -1;
+}
+
 bool ResultSet::HasKeys(std::size_t row, const Index& index, std::span<const KeyView> keys) const {
   for (std::size_t i = 0; i < index.places.size(); ++i)
     if (!IsKey(ValueAt(row, index.places[i]), keys[index.keys[i]])) return false;
@@ -236,18 +266,18 @@ bool ResultSet::HasKeys(std::size_t row, const Index& index, std::span<const Key
 }
 
 // Values that are equal most often share their bits; where they do not, hashing them does no harm.
-bool ResultSet::Varies(std::size_t column) const {
-  if (rows_ != nullptr) return rows_->Varies(column);
+std::size_t ResultSet::Variety(std::size_t column) const {
+  if (rows_ != nullptr) return rows_->Variety(column);
   const Kind kind = blocks_.front().kinds[column];
   const std::uint64_t bits = blocks_.front().bits[column];
   std::size_t rows_left = row_count_;
   for (const Block& block : blocks_) {
     const std::size_t cells = std::min(rows_left, kBlockRows) * width_;
     for (std::size_t cell = column; cell < cells; cell += width_)
-      if (block.bits[cell] != bits || block.kinds[cell] != kind) return true;
+      if (block.bits[cell] != bits || block.kinds[cell] != kind) return row_count_;
     rows_left -= cells / width_;
   }
-  return false;
+  return 1;
 }
 
 // Of rows with equal keys only the first is entered: it is the one that counts.

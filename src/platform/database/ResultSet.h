@@ -62,8 +62,12 @@ class ResultRows {
   virtual ~ResultRows() = default;
   virtual std::size_t RowCount() const = 0;
   virtual ValueView At(std::size_t row, std::size_t column) const = 0;
-  /// False only if all rows have the same value there.
-  virtual bool Varies(std::size_t column) const = 0;
+  /// About how many different values the column has; 1 only if all rows have the same there.
+  virtual std::size_t Variety(std::size_t column) const = 0;
+  /// The first row from `row` on whose values in these columns have these hashes (HashOfKey); RowCount() if
+  /// there is none.
+  virtual std::size_t FindHashes(std::size_t row, std::span<const std::size_t> columns,
+                                 std::span<const std::size_t> hashes) const = 0;
   /// MixKeys for each row: its hash so far with HashOfKey of its value in the column.
   virtual void MixColumn(std::size_t column, std::span<std::size_t> hashes) const = 0;
   /// HaveSameText in all of these columns.
@@ -192,8 +196,9 @@ class ResultSet {
 
   int FindBy(Index& index, std::span<const KeyView> keys) const;
   int FindByRow(const Index& index, std::span<const KeyView> keys) const;
+  int FindByHash(const Index& index, std::span<const KeyView> keys) const;
   Index* KnownIndex(std::span<const int> columns) const;
-  bool Varies(std::size_t column) const;
+  std::size_t Variety(std::size_t column) const;
   void EnterRows(Index& index) const;
   bool HasKeys(std::size_t row, const Index& index, std::span<const KeyView> keys) const;
   void MixColumn(std::size_t column, std::span<std::size_t> hashes) const;
