@@ -51,6 +51,7 @@ bool BExcelExpEngCore::ExecuteCurEmpCoyBasisSQL(const std::string& sql) {
 }
 
 int BExcelExpEngCore::FindsRows(const std::string& sql) {
+  if (const std::optional<bool> found = SQLQry->HasRows(sql)) return *found ? 1 : 0;
   if (!ExecuteSQL(sql)) return -1;
   const int found = SQLQry->IsEmpty() ? 0 : 1;
   SQLQry->Close();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,6 +39,10 @@ class Database {
   /// Runs one SELECT, sent in the engine's dialect, and returns its whole result. Throws DatabaseError.
   /// The result may come from a cache; it never shows less than what the last NoteWrite announced.
   virtual std::shared_ptr<const ResultSet> Select(const std::string& sql) = 0;
+
+  /// Whether the statement has rows, where that can be told for less than reading it; nullopt otherwise, also
+  /// for a statement that fails.
+  virtual std::optional<bool> HasRows(const std::string& /*sql*/) { return std::nullopt; }
 
   /// The declared type word of a column: "char", "integer", "smallint", "double", "decimal", "date", "time"
   /// or "timestamp"; "" for a table or column that does not exist. Letter case does not count.

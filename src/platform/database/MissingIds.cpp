@@ -1,69 +1,32 @@
 #include "platform/database/MissingIds.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 #include <vector>
 
 #include "platform/database/DatabaseError.h"
-#include "platform/database/Names.h"
+#include "platform/database/InLists.h"
 #include "platform/database/QueryPlan.h"
-#include "platform/database/SqlClauses.h"
 #include "platform/database/SqlTokens.h"
 
 namespace excelexp {
 namespace {
 
-using Tokens = std::vector<SqlToken>;
-
 /// What is greater than, or equal to, the least number is there. The database does not see of IS NOT NULL
 /// that it makes an outer join an inner one.
 constexpr std::string_view kIsThere = " >= -9e999";
 
-/// The conditions of the WHERE at the token, up to where its select ends or goes on. None where an AND may
-/// stand for something else than another condition.
-std::vector<TokenSpan> ConditionsOf(const Tokens& tokens, std::size_t where) {
-  constexpr std::array<std::string_view, 8> kNext = {"group", "order",  "having",    "limit",
-                                                     "union", "window", "intersect", "except"};
-  std::size_t end = where + 1;
-  while (end < tokens.size() && !tokens[end].IsMark(')') &&
-         std::ranges::none_of(kNext, [&](std::string_view word) { return tokens[end].IsWord(word); })) {
-    end = EndOfParentheses(tokens, end);
-  }
-  const TokenSpan all = {where + 1, end};
-  if (FindWord(tokens, all, "case") < end || FindWord(tokens, all, "between") < end) return {};
-  return SplitSpan(tokens, all, [](const SqlToken& token) { return token.IsWord("and"); });
-}
-
-/// Whether the condition is "column IN (SELECT Id FROM V)" with an integer Id.
-bool IsInList(const Tokens& tokens, const TokenSpan& condition, const FindTable& find_table) {
-  constexpr std::size_t kListSize = 7;  // IN ( SELECT Id FROM V )
-  if (condition.Size() <= kListSize) return false;
-  const std::size_t in = condition.end - kListSize;
-  const bool is_list = tokens[in].IsWord("in") && tokens[in + 1].IsMark('(') &&
-                       tokens[in + 2].IsWord("select") && tokens[in + 3].IsName() &&
-                       tokens[in + 4].IsWord("from") && tokens[in + 5].IsName() && tokens[in + 6].IsMark(')');
-  if (!is_list || !IsColumnName(tokens, {condition.begin, in})) return false;
-  const TableShape* const view = find_table(NameOf(tokens[in + 5]));
-  const TableShape::Column* const id = view == nullptr ? nullptr : view->Find(NameOf(tokens[in + 3]));
-  return id != nullptr && FoldName(id->declared_type).find("int") != std::string::npos;
-}
-
 std::string Rewritten(const std::string& sql, const FindTable& find_table) {
-  const Tokens tokens = TokenizeSql(sql);
+  const std::vector<SqlToken> tokens = TokenizeSql(sql);
   std::string rewritten;
   std::size_t copied = 0;
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (!tokens[i].IsWord("where")) continue;
-    for (const TokenSpan& condition : ConditionsOf(tokens, i)) {
-      if (!IsInList(tokens, condition, find_table)) continue;
-      const std::size_t close = tokens[condition.end - 1].begin;
-      if (close < copied) return sql;
-      rewritten.append(sql, copied, close - copied);
-      rewritten.append(" WHERE ").append(tokens[condition.end - 4].text).append(kIsThere);
-      copied = close;
-    }
+  for (const InList& list : InListsOf(tokens, find_table)) {
+    const std::size_t close = tokens[list.close].begin;
+    if (close < copied) return sql;
+    rewritten.append(sql, copied, close - copied);
+    rewritten.append(" WHERE ").append(tokens[list.id].text).append(kIsThere);
+    copied = close;
   }
   return rewritten.append(sql, copied);
 }

@@ -64,6 +64,11 @@ void Query::Open() {
   First();
 }
 
+std::optional<bool> Query::HasRows(const std::string& sql) const {
+  const std::shared_ptr<Database> database = DatabaseRegistry::Find(database_name_);
+  return database == nullptr ? std::nullopt : database->HasRows(sql);
+}
+
 void Query::Close() {
   result_.reset();
   row_ = 0;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -70,6 +71,8 @@ class Query {
   int RowIndex() const { return row_; }
   bool Bof() const { return bof_; }
   bool Eof() const { return eof_; }
+  /// Database::HasRows of the database registered under the name, for a statement that is not opened.
+  std::optional<bool> HasRows(const std::string& sql) const;
   /// 0 for a closed query.
   int RowCount() const;
   /// Whether there are no rows; cheaper than counting them.

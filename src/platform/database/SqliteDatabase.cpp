@@ -16,6 +16,7 @@
 #include "platform/database/DistinctOrder.h"
 #include "platform/database/HeldSelect.h"
 #include "platform/database/HeldTables.h"
+#include "platform/database/InLists.h"
 #include "platform/database/MissingIds.h"
 #include "platform/database/Names.h"
 #include "platform/database/ResultCache.h"
@@ -93,6 +94,7 @@ class SqliteDatabase final : public Database {
   ~SqliteDatabase() override;
 
   std::shared_ptr<const ResultSet> Select(const std::string& sql) override;
+  std::optional<bool> HasRows(const std::string& sql) override;
   std::string ColumnType(std::string_view table, std::string_view column) override;
   std::string Country() override { return Parameter("Country", ""); }
   std::string DateFormat() override { return Parameter("DateFormat", kDefaultDateFormat); }
@@ -212,6 +214,23 @@ std::shared_ptr<const ResultSet> SqliteDatabase::Select(const std::string& sql) 
   } catch (const DatabaseError& error) {
     NoteFailure(error, sql);
     throw;
+  }
+}
+
+std::optional<bool> SqliteDatabase::HasRows(const std::string& sql) {
+  try {
+    if (!in_snapshot_) BeginSnapshot(sql);
+    const std::optional<std::string> existence =
+        SqlShape(sql).IsPlain() ? AsExistence(sql, find_table_) : std::nullopt;
+    if (!existence) return std::nullopt;
+    const CompiledQuery query = Compile(*existence, sql);
+    if (query.traits.reads_catalogue) return std::nullopt;
+    connection_.BeginStatement();
+    const Running running(running_);
+    connection_.Step(query.statement.get(), sql);
+    return sqlite3_column_int(query.statement.get(), 0) != 0;
+  } catch (const DatabaseError&) {
+    return std::nullopt;  // the statement itself will tell
   }
 }
 

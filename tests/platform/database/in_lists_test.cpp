@@ -1,9 +1,11 @@
-#include "platform/database/MissingIds.h"
+#include "platform/database/InLists.h"
 
 #include <string>
 #include <vector>
 
 #include "platform/database/Catalogue.h"
+#include "platform/database/MissingIds.h"
+#include "platform/database/ResultSet.h"
 #include "platform/database/SqliteConnection.h"
 #include "platform/database/TestDatabase.h"
 
@@ -26,7 +28,7 @@ INSERT INTO Person VALUES (1, 'Tan'), (2, 'Lee'), (3, 'Abu');
 INSERT INTO Employee VALUES (30, 1, 5, '5'), (20, 3, NULL, NULL), (10, 3, -7, 'x'), (40, NULL, 5, '5');
 )";
 
-class MissingIds : public testing::Test {
+class InLists : public testing::Test {
  protected:
   std::string Rewritten(const std::string& sql) {
     return LeaveOutMissingIds(sql, connection_,
@@ -38,7 +40,7 @@ class MissingIds : public testing::Test {
   Catalogue catalogue_{connection_};
 };
 
-TEST_F(MissingIds, AreLeftOutOfListsOfAView) {
+TEST_F(InLists, LeaveOutTheMissingIdsOfAView) {
   const std::string list = "EmployeeId IN (SELECT EmployeeId FROM Everybody";
   EXPECT_EQ(Rewritten("SELECT * FROM Employee WHERE Number = 5 AND Employee." + list + ") ORDER BY Code"),
             "SELECT * FROM Employee WHERE Number = 5 AND Employee." + list +
@@ -54,7 +56,7 @@ TEST_F(MissingIds, AreLeftOutOfListsOfAView) {
   }
 }
 
-TEST_F(MissingIds, StayWhereTheyCouldMakeADifference) {
+TEST_F(InLists, StayWhereMissingIdsCouldMakeADifference) {
   for (const std::string& sql : std::vector<std::string>{
            // NULL is not FALSE there.
            "SELECT * FROM Employee WHERE EmployeeId NOT IN (SELECT EmployeeId FROM Everybody)",
@@ -75,6 +77,37 @@ TEST_F(MissingIds, StayWhereTheyCouldMakeADifference) {
            "SELECT * FROM Employee WHERE EmployeeId IN (SELECT EmployeeId FROM Everybody WHERE Number = 5)",
            "SELECT * FROM Employee WHERE EmployeeId IN (SELECT Nothing FROM Everybody)"})
     EXPECT_EQ(Rewritten(sql), sql);
+}
+
+TEST_F(InLists, TellByTheFirstRowWhetherThereAreAny) {
+  const std::string list = "Employee.EmployeeId IN (SELECT EmployeeId FROM Everybody)";
+  const auto database = file_.Open();
+  for (const std::string& sql : std::vector<std::string>{
+           "SELECT * FROM Employee WHERE " + list, "SELECT * FROM Employee WHERE " + list + " AND Code = 'y'",
+           "SELECT * FROM Employee WHERE Code = 'x' AND " + list,
+           // Only Lee, who has no employment, is in no list.
+           "SELECT * FROM Person LEFT JOIN Employee ON Employee.PersonId = Person.PersonId WHERE Name = "
+           "'Lee' AND " +
+               list,
+           "SELECT * FROM Employee WHERE Employee.PersonId IN (SELECT PersonId FROM Everybody) AND Number IS "
+           "NULL",
+           "SELECT * FROM Employee, Person AS Tan WHERE Tan.PersonId IN (SELECT PersonId FROM Everybody) AND "
+           "Tan.Name = 'No'",
+           "SELECT * FROM Person WHERE PersonId = 3 AND PersonId IN (SELECT PersonId FROM Employee WHERE " +
+               list + ")"}) {
+    const std::optional<bool> found = database->HasRows(sql);
+    ASSERT_TRUE(found.has_value()) << sql;
+    EXPECT_EQ(*found, !database->Select(sql)->IsEmpty()) << sql;
+  }
+  for (const std::string& sql : std::vector<std::string>{
+           "SELECT * FROM Employee", "SELECT DISTINCT Code FROM Employee WHERE " + list,
+           "SELECT COUNT(*) FROM Employee WHERE " + list + " GROUP BY Code",
+           "SELECT * FROM Employee WHERE " + list + " LIMIT 0",
+           "SELECT * FROM Employee WHERE EmployeeId IN (SELECT EmployeeId FROM Everybody)",
+           "SELECT * FROM Employee WHERE NOT " + list, "SELECT * FROM NoSuch WHERE " + list,
+           "DELETE FROM Employee WHERE " + list}) {
+    EXPECT_EQ(database->HasRows(sql), std::nullopt) << sql;
+  }
 }
 
 }  // namespace
