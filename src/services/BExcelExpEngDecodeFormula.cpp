@@ -1,16 +1,19 @@
 #include "services/BExcelExpEngDecodeFormula.h"
 
 #include <optional>
+#include <utility>
 
 #include "engine/DefinitionTables.h"
 #include "platform/database/SqlText.h"
 #include "platform/host/CommonLibrary.h"
+#include "platform/host/Format.h"
 #include "services/AllItems.h"
 
 namespace excelexp {
 namespace {
 
 constexpr std::string_view kWhere = "BExcelExpEngDecodeFormula::DecodeExcelFormula Error: ";
+constexpr std::string_view kGap = "                 ";
 constexpr std::size_t kItemTagLength = 5;
 constexpr std::size_t kTotalTagLength = 3;
 
@@ -109,33 +112,56 @@ void BExcelExpEngDecodeFormula::NoteRptTotal() {
 
 std::string BExcelExpEngDecodeFormula::DecodeItems(const Items& items, const std::string& formula,
                                                    Query& expansion, std::string& cell_name, int fixed) {
+  const std::shared_ptr<ItemPlaces> places = PlacesOf(items);
+  Expansions expanded;
   return ReplaceReferences(formula, kItemTagLength, cell_name, [&](int order, std::string& name) {
+    const ItemPlace* const place = FindPlace(items, order, *places);
     int count = 0;
-    if (!CountTo(items, order, expansion, count)) return false;
+    if (place == nullptr || !CountTo(*place, expansion, expanded, count)) return false;
     name = items.down ? GetCellName(core_->StartPrintedRow + count - 1, fixed)
                       : GetCellName(fixed, core_->StartPrintedCol + count - 1);
     return true;
   });
 }
 
-bool BExcelExpEngDecodeFormula::CountTo(const Items& items, int order, Query& expansion, int& count) {
-  const std::string sql = std::string(items.sql) + SqlText(core_->ExcelWSItemRptId) + std::string(17, ' ') +
-                          std::string(items.condition);
-  const bool opened = core_->ExecuteSQL(sql);
+std::shared_ptr<ItemPlaces> BExcelExpEngDecodeFormula::PlacesOf(const Items& items) {
+  std::string sql = Joined({items.sql, SqlText(core_->ExcelWSItemRptId), kGap, items.condition});
+  const std::string question = Joined({core_->DatabaseName, "\n", sql});
+  if (const auto* known = core_->Memory->item_places.Find(question)) return *known;
+  return core_->Memory->item_places.Keep(question,
+                                         std::make_shared<ItemPlaces>(ItemPlaces{std::move(sql), {}}));
+}
+
+/// Read when first asked for; nullptr after a failure.
+const ItemPlace* BExcelExpEngDecodeFormula::FindPlace(const Items& items, int order, ItemPlaces& places) {
+  if (const auto known = places.by_order.find(order); known != places.by_order.end()) return &known->second;
+  const bool opened = core_->ExecuteSQL(places.sql);
   Query& rows = *core_->SQLQry;
   if (!opened || rows.RowCount() == 0) {
     core_->WriteErrorEntry(std::string(kWhere) + (opened ? "Empty" : "Unable to get") + " Finance " +
                            std::string(items.title) + " Items");
-    return false;
+    return nullptr;
   }
+  ItemPlace place;
   for (rows.First(); !rows.Eof(); rows.Next()) {
     const auto text = [&rows](std::string_view name) { return rows.FieldByName(name).AsString(); };
     if (text(items.type) != item_type::kAnalysis || text(items.item) != kAllItems) {
-      ++count;
-    } else if (!CountAllItems(text(items.grouping), expansion, count)) {
-      return false;
+      ++place.single;
+    } else {
+      place.expanded.push_back(text(items.grouping));
     }
     if (rows.FieldByName(items.order).AsInteger() == order) break;
+  }
+  return &places.by_order.emplace(order, std::move(place)).first->second;
+}
+
+bool BExcelExpEngDecodeFormula::CountTo(const ItemPlace& place, Query& expansion, Expansions& expanded,
+                                        int& count) {
+  count = place.single;
+  for (const std::string& grouping : place.expanded) {
+    const auto [items, is_new] = expanded.try_emplace(grouping, 0);
+    if (is_new && !CountAllItems(grouping, expansion, items->second)) return false;
+    count += items->second;
   }
   return true;
 }
@@ -152,7 +178,7 @@ bool BExcelExpEngDecodeFormula::CountAllItems(const std::string& grouping, Query
     core_->WriteErrorEntry(std::string(kWhere) + "Empty AllFormulaQry Recordset");
     return false;
   }
-  count += expansion.RowCount();
+  count = expansion.RowCount();
   return true;
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <map>
+#include <memory>
 #include <string>
 
 #include "engine/BExcelExpEngCore.h"
 #include "platform/database/Query.h"
+#include "services/DefinitionMemory.h"
 
 namespace excelexp {
 
@@ -35,7 +38,12 @@ class BExcelExpEngDecodeFormula {
 
  private:
   struct Items;
-  bool CountTo(const Items& items, int order, Query& expansion, int& count);
+  /// How many items an "<ALL>" item of a grouping stands for, counted for each formula: that depends on the
+  /// data, which is another on each worksheet.
+  using Expansions = std::map<std::string, int>;
+  std::shared_ptr<ItemPlaces> PlacesOf(const Items& items);
+  const ItemPlace* FindPlace(const Items& items, int order, ItemPlaces& places);
+  bool CountTo(const ItemPlace& place, Query& expansion, Expansions& expanded, int& count);
   bool CountAllItems(const std::string& grouping, Query& expansion, int& count);
   std::string DecodeItems(const Items& items, const std::string& formula, Query& expansion,
                           std::string& cell_name, int fixed);

@@ -89,6 +89,18 @@ struct InformationReport {
   std::shared_ptr<std::vector<KnownColumnItem>> columns;
 };
 
+/// What prints up to an item of a report and at it: how many columns or rows it is from the first.
+struct ItemPlace {
+  int single = 0;                     ///< items that print one
+  std::vector<std::string> expanded;  ///< groupings of "<ALL>" items, which print one for each of theirs
+};
+
+/// The places of a report's items that formulas referred to.
+struct ItemPlaces {
+  std::string sql;  ///< lists the items
+  std::map<int, ItemPlace> by_order;
+};
+
 /// What a run has learnt from the definition tables, so that it asks them once instead of for every cell.
 struct DefinitionMemory {
   Remembered<std::shared_ptr<SchemeSet>> scheme_sets;  ///< by database and ids, one a line
@@ -96,6 +108,7 @@ struct DefinitionMemory {
   Remembered<std::string> report_projects;             ///< by database and report
   Remembered<KnownProject> projects;                   ///< by database and id
   Remembered<std::shared_ptr<std::vector<KnownColumnItem>>> column_items;  ///< see ItemsOf
+  Remembered<std::shared_ptr<ItemPlaces>> item_places;                     ///< by database and statement
   Remembered<std::shared_ptr<InformationReport>>
       information_reports;  ///< by layout, database, title scheme, id
 

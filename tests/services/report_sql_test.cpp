@@ -1,6 +1,7 @@
 // The services that turn definitions into SQL and formulas, and the record lookup.
 
 #include "platform/database/DatabaseError.h"
+#include "platform/database/DatabaseRegistry.h"
 #include "services/AnalysisRecordLookup.h"
 #include "services/BExcelExpEngCalcFields.h"
 #include "services/BExcelExpEngDecodeFormula.h"
@@ -162,6 +163,15 @@ TEST_F(DecodeFormula, ReferencesBecomeCells) {
   EXPECT_EQ(Rows("=<Item#1>-<Item#3>/<Item#5>"), "=D7-D10/D11");
   EXPECT_EQ(decoder.DecodeRptTotalExcelFormula("<Col12>:<Col20>, <Col27>:<Col31>", cell, 2),
             "B12:B20, B27:B31");
+  // The next worksheet has other data: nobody says that the database changed.
+  DatabaseRegistry::Find("varndb")->HoldRows(
+      {.table = "AnlysItemRecord",
+       .key = {{"AnlysProjectId", "P"}, {"AnlysIPAddress", "z"}},
+       .order = {"Basis1Id"},
+       .select = "SELECT 'Allowance' AS AnlysDispSectionId, 'A' AS AnlysItem1Id"});
+  EXPECT_EQ(Columns("=<Item#6>"), "=E12");
+  core.SetExcelWSItemRptId("R2");
+  EXPECT_EQ(Columns("=<Item#6>"), "");
 }
 
 TEST_F(DecodeFormula, WhatFailsGivesAnEmptyFormulaAndAnEntry) {
