@@ -21,9 +21,10 @@ template <typename Code>
 std::vector<std::uint8_t> Reordered(const std::vector<std::uint8_t>& codes,
                                     const std::vector<std::uint32_t>& order) {
   std::vector<std::uint8_t> reordered(codes.size());
-  for (std::size_t row = 0; row < order.size(); ++row)
+  for (std::size_t row = 0; row < order.size(); ++row) {
     std::memcpy(reordered.data() + row * sizeof(Code), codes.data() + order[row] * sizeof(Code),
                 sizeof(Code));
+  }
   return reordered;
 }
 

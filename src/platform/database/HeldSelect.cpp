@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
-#include <ranges>
 #include <utility>
 
 #include "platform/database/HeldTables.h"
@@ -138,11 +137,12 @@ bool HeldSelect::CompileJoined(const Compile& compile) {
       " WHERE " + QuoteName(joined_tables_.front()->name) + "." + QuoteName(target_) + " = ?1 COLLATE BINARY";
   joined_ = compile(sql);
   // A view's columns come from other tables, or are computed.
-  return std::ranges::all_of(std::views::iota(0, sqlite3_column_count(joined_.statement.get())), [&](int i) {
+  for (int i = 0; i < sqlite3_column_count(joined_.statement.get()); ++i) {
     const std::string_view origin = OriginOf(sqlite3_column_table_name(joined_.statement.get(), i));
-    return std::ranges::any_of(joined_tables_,
-                               [&](const TableShape* table) { return SameName(table->name, origin); });
-  });
+    const auto is_origin = [&](const TableShape* table) { return SameName(table->name, origin); };
+    if (std::ranges::none_of(joined_tables_, is_origin)) return false;
+  }
+  return true;
 }
 
 bool HeldSelect::TakeColumns(sqlite3_stmt* whole) {

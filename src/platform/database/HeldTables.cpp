@@ -218,6 +218,7 @@ std::shared_ptr<const HeldRows> HeldTables::Read(const HeldTable& table, const R
                         rows.select);
   };
   std::vector<Affinity> affinities;
+  affinities.reserve(given.size());
   for (const int place : given)
     affinities.push_back(table.Columns()[static_cast<std::size_t>(place)].affinity);
   int count = 0;
